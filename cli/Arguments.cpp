@@ -1,0 +1,96 @@
+#include "cli/Arguments.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace cli {
+
+Arguments Arguments::parse(const std::vector<std::string>& tokens,
+                           const std::vector<OptionSpec>& specs)
+{
+    Arguments args;
+    bool onlyPositionals = false;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const std::string& token = tokens[i];
+        if (onlyPositionals || token.size() < 3 || token.compare(0, 2, "--") != 0) {
+            if (token == "--") {
+                onlyPositionals = true;
+                continue;
+            }
+            args.m_positionals.push_back(token);
+            continue;
+        }
+        std::string name = token.substr(2);
+        std::optional<std::string> inlineValue;
+        if (const auto eq = name.find('='); eq != std::string::npos) {
+            inlineValue = name.substr(eq + 1);
+            name.resize(eq);
+        }
+        const auto spec = std::find_if(specs.begin(), specs.end(),
+                                       [&](const OptionSpec& s) { return s.name == name; });
+        if (spec == specs.end())
+            throw UsageError("unknown option --" + name);
+        if (!spec->repeatable && args.has(name))
+            throw UsageError("option --" + name + " given twice");
+
+        if (!spec->takesValue) {
+            if (inlineValue)
+                throw UsageError("option --" + name + " takes no value");
+            args.m_options[name].emplace_back();
+            continue;
+        }
+        if (!inlineValue) {
+            if (i + 1 >= tokens.size())
+                throw UsageError("option --" + name + " needs a value");
+            inlineValue = tokens[++i];
+        }
+        args.m_options[name].push_back(*inlineValue);
+    }
+    return args;
+}
+
+std::optional<std::string> Arguments::value(const std::string& name) const
+{
+    const auto it = m_options.find(name);
+    if (it == m_options.end() || it->second.empty())
+        return std::nullopt;
+    return it->second.front();
+}
+
+std::vector<std::string> Arguments::values(const std::string& name) const
+{
+    const auto it = m_options.find(name);
+    return it == m_options.end() ? std::vector<std::string>{} : it->second;
+}
+
+std::string Arguments::required(const std::string& name) const
+{
+    const auto v = value(name);
+    if (!v)
+        throw UsageError("option --" + name + " is required");
+    return *v;
+}
+
+std::int64_t Arguments::integer(const std::string& name, std::int64_t min, std::int64_t max,
+                                std::int64_t fallback) const
+{
+    const auto v = value(name);
+    return v ? parseInteger(*v, min, max, "--" + name) : fallback;
+}
+
+std::int64_t Arguments::parseInteger(const std::string& text, std::int64_t min, std::int64_t max,
+                                     const std::string& what)
+{
+    std::int64_t result = 0;
+    const char* first = text.data();
+    const char* last = text.data() + text.size();
+    const auto [end, error] = std::from_chars(first, last, result);
+    if (text.empty() || error != std::errc() || end != last)
+        throw UsageError(what + " needs a whole number, not \"" + text + "\"");
+    if (result < min || result > max)
+        throw UsageError(what + " must lie between " + std::to_string(min) + " and " +
+                         std::to_string(max));
+    return result;
+}
+
+} // namespace cli

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace cli {
+
+/** A mistake in how a command was called; the program prints it with the usage and exits 2. */
+class UsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** One option a command accepts: "--name" alone (a flag) or "--name VALUE" / "--name=VALUE". */
+struct OptionSpec
+{
+    std::string name; // without the leading dashes
+    bool takesValue = false;
+    bool repeatable = false;
+};
+
+/** The parsed arguments of one command: options by name and the positional arguments. */
+class Arguments
+{
+public:
+    /** Parses `tokens` (the words after the command name); throws UsageError. */
+    static Arguments parse(const std::vector<std::string>& tokens,
+                           const std::vector<OptionSpec>& specs);
+
+    bool has(const std::string& name) const { return m_options.count(name) != 0; }
+    /** The value of an option given once; nothing when absent. */
+    std::optional<std::string> value(const std::string& name) const;
+    /** Every value of a repeatable option, in order. */
+    std::vector<std::string> values(const std::string& name) const;
+    /** The value of an option that must be there; throws UsageError when it is missing. */
+    std::string required(const std::string& name) const;
+
+    /** An integer option within [min, max]; `fallback` when absent; throws UsageError. */
+    std::int64_t integer(const std::string& name, std::int64_t min, std::int64_t max,
+                         std::int64_t fallback) const;
+
+    const std::vector<std::string>& positionals() const { return m_positionals; }
+
+    /** Parses a decimal integer within [min, max]; throws UsageError naming `what`. */
+    static std::int64_t parseInteger(const std::string& text, std::int64_t min, std::int64_t max,
+                                     const std::string& what);
+
+private:
+    std::map<std::string, std::vector<std::string>> m_options;
+    std::vector<std::string> m_positionals;
+};
+
+} // namespace cli

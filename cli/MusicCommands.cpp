@@ -1,0 +1,7 @@
+#include "cli/Command.h"
+
+namespace cli {
+
+void registerMusicCommands(std::vector<Command>& /*commands*/) {}
+
+} // namespace cli

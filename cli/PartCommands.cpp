@@ -1,0 +1,7 @@
+#include "cli/Command.h"
+
+namespace cli {
+
+void registerPartCommands(std::vector<Command>& /*commands*/) {}
+
+} // namespace cli
