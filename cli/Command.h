@@ -59,6 +59,7 @@ struct Command
 void registerMusicCommands(std::vector<Command>& commands);
 void registerPartCommands(std::vector<Command>& commands);
 void registerSongCommands(std::vector<Command>& commands);
+void registerMachineCommands(std::vector<Command>& commands);
 void registerMidiCommands(std::vector<Command>& commands);
 void registerPlayCommands(std::vector<Command>& commands);
 

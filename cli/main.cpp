@@ -32,6 +32,7 @@ std::vector<Command> allCommands()
     registerMusicCommands(commands);
     registerPartCommands(commands);
     registerSongCommands(commands);
+    registerMachineCommands(commands);
     registerMidiCommands(commands);
     registerPlayCommands(commands);
     return commands;

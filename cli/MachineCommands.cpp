@@ -1,0 +1,7 @@
+#include "cli/Command.h"
+
+namespace cli {
+
+void registerMachineCommands(std::vector<Command>& /*commands*/) {}
+
+} // namespace cli
