@@ -4,13 +4,24 @@ namespace music {
 
 namespace {
 
-std::uint32_t g_state = 1;
+/** Spreads neighbouring seeds over the whole state space (a 32-bit integer hash). */
+std::uint32_t scramble(std::uint32_t value)
+{
+    value ^= value >> 16;
+    value *= 0x7feb352du;
+    value ^= value >> 15;
+    value *= 0x846ca68bu;
+    value ^= value >> 16;
+    return value;
+}
+
+std::uint32_t g_state = scramble(1);
 
 } // namespace
 
 void RandomSource::seed(std::uint32_t value)
 {
-    g_state = value;
+    g_state = scramble(value);
 }
 
 int RandomSource::next()

@@ -13,7 +13,10 @@ namespace music {
 class RandomSource
 {
 public:
-    /** Restarts the sequence; the program starts with seed 1. */
+    /**
+     * Restarts the sequence from `value`. Neighbouring seeds are spread apart first, so seeds
+     * 1, 2, 3 give unrelated sequences. The program starts as if seeded with 1.
+     */
     static void seed(std::uint32_t value);
     /** The next raw value, 0..32767. */
     static int next();

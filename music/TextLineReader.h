@@ -17,7 +17,10 @@ namespace music {
 class TextLineReader
 {
 public:
+    /** Reads `data`, which must outlive the reader. */
     explicit TextLineReader(std::string_view data) : m_data(data) {}
+    explicit TextLineReader(const char* data) : m_data(data) {}
+    TextLineReader(std::string&&) = delete; // would read a destroyed temporary
 
     /** The next line, cleaned as described above; empty at the end of the data. */
     std::string readLine();
