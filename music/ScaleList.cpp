@@ -1,0 +1,107 @@
+#include "music/ScaleList.h"
+
+#include "music/FileBytes.h"
+#include "music/SafeFileWriter.h"
+#include "music/TextLineReader.h"
+
+namespace music {
+
+const ScaleType* ScaleList::find(std::string_view name) const
+{
+    for (const ScaleType& scale : m_scales) {
+        if (equalsIgnoringCase(scale.name(), name))
+            return &scale;
+    }
+    return nullptr;
+}
+
+bool ScaleList::add(std::string name, std::string pattern)
+{
+    if (m_scales.size() >= kMaxCount)
+        return false;
+    m_scales.emplace_back(std::move(name), std::move(pattern));
+    return true;
+}
+
+Result ScaleList::patternFromInput(std::string_view input, std::string& pattern)
+{
+    const std::string lower = toLower(input);
+    std::size_t run = 0;
+    while (run < lower.size() && (lower[run] == 'x' || lower[run] == 'o'))
+        ++run;
+    if (run < static_cast<std::size_t>(ScaleType::kPatternLength))
+        return Result::failure(std::string(kErrorInString));
+    pattern = lower.substr(0, run);
+    return Result::success();
+}
+
+Result ScaleList::addFromInput(std::string name, std::string_view input)
+{
+    std::string pattern;
+    if (Result result = patternFromInput(input, pattern); !result)
+        return result;
+    if (!add(std::move(name), std::move(pattern)))
+        return Result::failure("The list holds 255 scales already");
+    return Result::success();
+}
+
+void ScaleList::rename(std::size_t index, std::string name)
+{
+    if (index < m_scales.size())
+        m_scales[index].setName(std::move(name));
+}
+
+void ScaleList::remove(std::size_t index)
+{
+    if (index < m_scales.size())
+        m_scales.erase(m_scales.begin() + static_cast<std::ptrdiff_t>(index));
+}
+
+Result ScaleList::read(std::string_view bytes)
+{
+    m_scales.clear();
+    TextLineReader reader(bytes);
+    if (!equalsIgnoringCase(reader.readLine(), kMagic))
+        return Result::failure(std::string(kNotValid));
+    const int count = reader.readInt() & 0xFF;
+    for (int i = 0; i < count && !reader.atEnd(); ++i) {
+        std::string name = reader.readLine();
+        std::string pattern = reader.readLine();
+        m_scales.emplace_back(std::move(name), std::move(pattern));
+    }
+    return Result::success();
+}
+
+Result ScaleList::load(const std::filesystem::path& path)
+{
+    m_scales.clear();
+    const auto bytes = readFileBytes(path);
+    if (!bytes)
+        return Result::failure(std::string(kErrorOpening));
+    return read(*bytes);
+}
+
+std::string ScaleList::toBytes() const
+{
+    std::string out;
+    out += kMagic;
+    out += '\n';
+    out += std::to_string(m_scales.size());
+    out += '\n';
+    for (const ScaleType& scale : m_scales) {
+        out += scale.name();
+        out += '\n';
+        out += scale.pattern();
+        out += '\n';
+    }
+    return out;
+}
+
+Result ScaleList::save(const std::filesystem::path& path) const
+{
+    if (!writeFileSafely(path, toBytes()))
+        return Result::failure(std::string(kErrorOpening));
+    return Result::success();
+}
+
+} // namespace music

@@ -1,0 +1,101 @@
+#include "music/ChordTypeList.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using music::ChordTypeList;
+
+TEST(ChordTypeList, AddingFiltersTheConstructionText)
+{
+    ChordTypeList list;
+    list.add("m", "1; b3; 5;");
+    list.add("bad", "1,b3,5;");
+    list.add("upper", "1;B3;5;");
+    EXPECT_EQ(list.at(0).construction(), "1;b3;5;");
+    EXPECT_EQ(list.at(1).construction(), "1b35;");
+    EXPECT_TRUE(list.at(1).intervals().isError());
+    EXPECT_EQ(list.at(2).construction(), "1;3;5;"); // the upper-case letter is dropped
+}
+
+TEST(ChordTypeList, DefiningATypeRefusesInvalidConstructions)
+{
+    ChordTypeList list;
+    EXPECT_TRUE(list.addChecked("m7", "1;b3;5;b7;").ok());
+    for (const char* text : {"1,b3,5;", "", "135", "1;#9;"}) {
+        const music::Result result = list.addChecked("x", text);
+        EXPECT_FALSE(result.ok()) << text;
+        EXPECT_EQ(result.message(), "No valid construction string");
+    }
+    EXPECT_EQ(list.count(), 1);
+}
+
+TEST(ChordTypeListFile, ReadsWhatItWritesByteForByte)
+{
+    ChordTypeList list;
+    list.add("maj", "1;3;5;");
+    list.add("", "1;5;");
+    list.add("  lead", "1;#9th;");
+    const std::string bytes = list.toBytes();
+    EXPECT_EQ(bytes, "Tonalmancer_ConstructChords\n3\nmaj\n1;3;5;\n\n1;5;\n  lead\n1;#9th;\n");
+
+    ChordTypeList back;
+    ASSERT_TRUE(back.read(bytes).ok());
+    EXPECT_EQ(back.types(), list.types());
+    EXPECT_EQ(back.toBytes(), bytes);
+}
+
+TEST(ChordTypeListFile, FollowsTheLineRules)
+{
+    struct Case
+    {
+        std::string bytes;
+        bool ok;
+        std::size_t count;
+        std::string firstName;
+    };
+    const Case cases[] = {
+        {"TONALMANCER_CONSTRUCTCHORDS\n1\nm\n1;b3;5;\n", true, 1, "m"},
+        {"Tonalmancer_ConstructChords\r\n1\r\nm  \r\n1;b3;5;\r\n", true, 1, "m"},
+        {"Tonalmancer_ConstructChords\n1\nm\n1;b3;5;", true, 1, "m"}, // no final line feed
+        {std::string("Tonalmancer_ConstructChords\n1\nm\0x\n1;\n", 37), true, 1, "m x"},
+        {"Tonalmancer_ConstructChords\n0\n", true, 0, ""},
+        {"Tonalmancer_ConstructChords\n-255\nm\n1;\n", true, 1, "m"}, // -255 & 0xFF == 1
+        {"Tonalmancer_Scales\n1\nm\n1;\n", false, 0, ""},
+        {"", false, 0, ""},
+    };
+    for (const Case& c : cases) {
+        ChordTypeList list;
+        list.add("old", "1;");
+        const music::Result result = list.read(c.bytes);
+        EXPECT_EQ(result.ok(), c.ok) << c.bytes;
+        if (!c.ok) {
+            EXPECT_EQ(result.message(), "Seems to be no valid file.");
+        }
+        ASSERT_EQ(list.types().size(), c.count) << c.bytes;
+        if (c.count > 0) {
+            EXPECT_EQ(list.at(0).name(), c.firstName);
+        }
+    }
+}
+
+TEST(ChordTypeListFile, KeepsOnlyTheLowEightBitsOfTheCount)
+{
+    ChordTypeList list;
+    for (int i = 0; i < 300; ++i)
+        list.add("t" + std::to_string(i), "1;3;");
+    const std::string bytes = list.toBytes();
+    EXPECT_NE(bytes.find("\n300\n"), std::string::npos); // written in full
+    ChordTypeList back;
+    ASSERT_TRUE(back.read(bytes).ok());
+    ASSERT_EQ(back.count(), 44);
+    EXPECT_EQ(back.at(43).name(), "t43");
+}
+
+TEST(ChordTypeListFile, ReportsAMissingFile)
+{
+    ChordTypeList list;
+    const music::Result result = list.load("/nonexistent/folder/x.ccl");
+    EXPECT_EQ(result.message(), "Error opening file.");
+    EXPECT_EQ(list.save("/nonexistent/folder/x.ccl").message(), "Error opening file.");
+}
