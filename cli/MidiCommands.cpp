@@ -1,7 +1,105 @@
 #include "cli/Command.h"
+#include "cli/PartOptions.h"
+#include "midi/MidiFileExporter.h"
+#include "part/PartFile.h"
+
+#include <string>
+#include <utility>
 
 namespace cli {
 
-void registerMidiCommands(std::vector<Command>& /*commands*/) {}
+namespace {
+
+/** "A,B" as two numbers within [min, max]; throws UsageError naming `what`. */
+std::pair<std::int64_t, std::int64_t> parsePair(const std::string& text, std::int64_t min,
+                                                std::int64_t max, const std::string& what)
+{
+    const std::size_t comma = text.find(',');
+    if (comma == std::string::npos)
+        throw UsageError(what + " needs two numbers separated by a comma");
+    return {Arguments::parseInteger(text.substr(0, comma), min, max, what),
+            Arguments::parseInteger(text.substr(comma + 1), min, max, what)};
+}
+
+/**
+ * The output file: --output FILE, or "-o FILE", which the argument parser hands over as two
+ * positional words since it knows only long options.
+ */
+std::string outputPath(const Arguments& args)
+{
+    const auto& words = args.positionals();
+    if (args.has("output")) {
+        if (!words.empty())
+            throw UsageError("give the output file once, with -o or --output");
+        return args.required("output");
+    }
+    if (words.size() == 2 && words[0] == "-o")
+        return words[1];
+    if (words.empty())
+        throw UsageError("the output file is missing (-o FILE.mid)");
+    throw UsageError("unexpected argument \"" + words[0] + "\"");
+}
+
+int runMidi(const Arguments& args, Context& context)
+{
+    const std::string partPath = args.required("part");
+    const std::string output = outputPath(args);
+    // Parsed (and the random source seeded) before anything is read, so usage errors come first.
+    const part::RenderOptions render = parsePartOptions(args);
+
+    midi::MidiExportOptions options;
+    options.render = render;
+    options.channel = static_cast<std::uint8_t>(args.integer("channel", 0, 15, 0));
+    options.velocity = static_cast<int>(args.integer("velocity", 1, 128, 80));
+    options.writeBpm = args.has("write-bpm");
+    if (const auto range = args.value("range")) {
+        const auto [first, last] = parsePair(*range, 0, 65535, "--range");
+        if (first > last)
+            throw UsageError("--range: the first chord comes after the last");
+        options.rangeFirst = static_cast<std::uint16_t>(first);
+        options.rangeLast = static_cast<std::uint16_t>(last);
+    }
+
+    part::Part part;
+    if (const music::Result loaded = part::PartFile::load(partPath, part); !loaded)
+        return context.fail(loaded.message());
+    options.beatsPerMinute =
+        static_cast<std::uint16_t>(args.integer("bpm", 0, 65535, part.beatsPerMinute()));
+    options.ticksPerBeat =
+        static_cast<std::uint16_t>(args.integer("tpb", 0, 65535, part.ticksPerBeat()));
+
+    midi::MidiFileExporter exporter(options);
+    if (const music::Result written = exporter.write(part, output); !written)
+        return context.fail(written.message());
+    return kExitSuccess;
+}
+
+} // namespace
+
+void registerMidiCommands(std::vector<Command>& commands)
+{
+    std::vector<OptionSpec> options = {
+        {"part", true, false},       {"output", true, false},  {"bpm", true, false},
+        {"tpb", true, false},        {"channel", true, false}, {"velocity", true, false},
+        {"write-bpm", false, false}, {"range", true, false},
+    };
+    for (OptionSpec& spec : partOptionSpecs())
+        options.push_back(std::move(spec));
+
+    commands.push_back(Command{
+        "midi",
+        std::string("--part FILE.prt -o OUT.mid [--bpm N] [--tpb N] [--channel 0..15] "
+                    "[--velocity 1..128] [--write-bpm] [--range FIRST,LAST] ") +
+            partOptionsSynopsis(),
+        "Writes the part as a Standard MIDI file (format 1: a tempo track and a note track). "
+        "Tempo defaults to the part's own, velocity to 80; channel and chord indices count "
+        "from 0; --range limits the chords written (default: all); --write-bpm stores the "
+        "tempo. Prints nothing on success.",
+        std::move(options),
+        0,
+        2,
+        runMidi,
+    });
+}
 
 } // namespace cli
