@@ -1,0 +1,268 @@
+#include "midi/BuiltInSynth.h"
+
+#include "music/SafeFileWriter.h"
+
+#include <fluidsynth.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace midi {
+
+namespace {
+
+void silenceFluidSynth()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        for (const int level : {FLUID_PANIC, FLUID_ERR, FLUID_WARN, FLUID_INFO, FLUID_DBG})
+            fluid_set_log_function(level, nullptr, nullptr);
+    });
+}
+
+void appendLittleEndian(std::string& out, std::uint32_t value, int bytes)
+{
+    for (int i = 0; i < bytes; ++i)
+        out.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
+}
+
+/** The 44-byte header of a 16-bit stereo PCM WAV file holding `dataBytes` bytes of samples. */
+std::string wavHeader(std::uint32_t dataBytes)
+{
+    std::string header;
+    header += "RIFF";
+    appendLittleEndian(header, 36 + dataBytes, 4);
+    header += "WAVEfmt ";
+    appendLittleEndian(header, 16, 4);
+    appendLittleEndian(header, 1, 2); // PCM
+    appendLittleEndian(header, 2, 2); // channels
+    appendLittleEndian(header, BuiltInSynth::kSampleRate, 4);
+    appendLittleEndian(header, BuiltInSynth::kSampleRate * 4, 4); // bytes per second
+    appendLittleEndian(header, 4, 2);                             // bytes per frame
+    appendLittleEndian(header, 16, 2);                            // bits per sample
+    header += "data";
+    appendLittleEndian(header, dataBytes, 4);
+    return header;
+}
+
+/**
+ * Renders the synth into a WAV file in real time on a thread of its own, block by block against
+ * absolute deadlines, so the file sounds as the speakers would have.
+ */
+class WavRenderer
+{
+public:
+    WavRenderer(fluid_synth_t* synth, const std::filesystem::path& path)
+        : m_synth(synth), m_writer(path)
+    {}
+    ~WavRenderer() { stop(); }
+    WavRenderer(const WavRenderer&) = delete;
+    WavRenderer& operator=(const WavRenderer&) = delete;
+
+    bool start()
+    {
+        if (!m_writer.open() || !m_writer.write(wavHeader(0)))
+            return false;
+        m_thread = std::thread([this] { run(); });
+        return true;
+    }
+
+    /** Ends the rendering, completes the header and puts the file in place. */
+    void stop()
+    {
+        if (!m_thread.joinable())
+            return;
+        m_running = false;
+        m_thread.join();
+        if (m_writer.seek(0) && m_writer.write(wavHeader(m_dataBytes)))
+            m_writer.commit();
+    }
+
+private:
+    static constexpr int kBlockFrames = 441; // 10 ms
+
+    void run()
+    {
+        std::array<std::int16_t, kBlockFrames * 2> samples{};
+        const auto blockTime =
+            std::chrono::microseconds(1'000'000LL * kBlockFrames / BuiltInSynth::kSampleRate);
+        auto deadline = std::chrono::steady_clock::now();
+        while (m_running) {
+            fluid_synth_write_s16(m_synth, kBlockFrames, samples.data(), 0, 2, samples.data(), 1,
+                                  2);
+            if (!m_writer.write(samples.data(), sizeof(samples)))
+                break;
+            m_dataBytes += static_cast<std::uint32_t>(sizeof(samples));
+            deadline += blockTime;
+            std::this_thread::sleep_until(deadline);
+        }
+    }
+
+    fluid_synth_t* m_synth;
+    music::SafeFileWriter m_writer;
+    std::thread m_thread;
+    std::atomic<bool> m_running{true};
+    std::uint32_t m_dataBytes = 0;
+};
+
+} // namespace
+
+struct BuiltInSynth::Impl
+{
+    fluid_settings_t* settings = nullptr;
+    fluid_synth_t* synth = nullptr;
+    fluid_audio_driver_t* driver = nullptr;
+    std::unique_ptr<WavRenderer> renderer;
+
+    ~Impl()
+    {
+        renderer.reset();
+        if (driver != nullptr)
+            delete_fluid_audio_driver(driver);
+        if (synth != nullptr)
+            delete_fluid_synth(synth);
+        if (settings != nullptr)
+            delete_fluid_settings(settings);
+    }
+};
+
+BuiltInSynth::BuiltInSynth(std::unique_ptr<Impl> impl) : m_impl(std::move(impl))
+{}
+
+BuiltInSynth::~BuiltInSynth() = default;
+
+std::filesystem::path BuiltInSynth::findSoundFont(const std::filesystem::path& dataFolder)
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (!dataFolder.empty() && fs::is_directory(dataFolder, error)) {
+        std::vector<fs::path> found;
+        for (const fs::directory_entry& entry : fs::directory_iterator(dataFolder, error)) {
+            std::string extension = entry.path().extension().string();
+            std::transform(extension.begin(), extension.end(), extension.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+            if (extension == ".sf2" && entry.is_regular_file(error))
+                found.push_back(entry.path());
+        }
+        if (!found.empty())
+            return *std::min_element(found.begin(), found.end());
+    }
+    for (const char* candidate :
+         {"/usr/share/sounds/sf2/FluidR3_GM.sf2", "/usr/share/soundfonts/FluidR3_GM.sf2",
+          "/usr/share/sounds/sf2/TimGM6mb.sf2", "/usr/share/sounds/sf2/default-GM.sf2",
+          "/usr/share/soundfonts/default.sf2"}) {
+        if (fs::is_regular_file(candidate, error))
+            return candidate;
+    }
+    silenceFluidSynth();
+    fluid_settings_t* settings = new_fluid_settings();
+    fs::path fallback;
+    if (settings != nullptr) {
+        char* defaultFont = nullptr;
+        if (fluid_settings_getstr_default(settings, "synth.default-soundfont", &defaultFont) ==
+                FLUID_OK &&
+            defaultFont != nullptr && fs::is_regular_file(defaultFont, error)) {
+            fallback = defaultFont;
+        }
+        delete_fluid_settings(settings);
+    }
+    return fallback;
+}
+
+std::unique_ptr<BuiltInSynth> BuiltInSynth::open(const std::filesystem::path& dataFolder)
+{
+    silenceFluidSynth();
+    const std::filesystem::path soundFont = findSoundFont(dataFolder);
+    if (soundFont.empty())
+        return nullptr;
+
+    auto impl = std::make_unique<Impl>();
+    impl->settings = new_fluid_settings();
+    if (impl->settings == nullptr)
+        return nullptr;
+    fluid_settings_setnum(impl->settings, "synth.sample-rate", kSampleRate);
+    fluid_settings_setint(impl->settings, "synth.threadsafe-api", 1);
+    // FluidSynth's default gain (0.2) is too quiet to audition with; eight voices at 0.5 stay
+    // clear of clipping with General MIDI soundfonts.
+    fluid_settings_setnum(impl->settings, "synth.gain", 0.5);
+    impl->synth = new_fluid_synth(impl->settings);
+    if (impl->synth == nullptr ||
+        fluid_synth_sfload(impl->synth, soundFont.string().c_str(), 1) == FLUID_FAILED) {
+        return nullptr;
+    }
+
+    const char* wavPath = std::getenv(kWavVariable);
+    if (wavPath != nullptr && *wavPath != '\0') {
+        impl->renderer = std::make_unique<WavRenderer>(impl->synth, wavPath);
+        if (!impl->renderer->start())
+            return nullptr;
+    } else {
+        // The usual sound servers and systems in turn. JACK is left out on purpose: FluidSynth's
+        // JACK driver may start a server of its own, and JACK users reach their synths as ports.
+        for (const char* driverName :
+             {"pipewire", "pulseaudio", "alsa", "coreaudio", "wasapi", "dsound", "sdl2"}) {
+            if (fluid_settings_setstr(impl->settings, "audio.driver", driverName) != FLUID_OK)
+                continue;
+            impl->driver = new_fluid_audio_driver(impl->settings, impl->synth);
+            if (impl->driver != nullptr)
+                break;
+        }
+        if (impl->driver == nullptr)
+            return nullptr;
+    }
+    return std::unique_ptr<BuiltInSynth>(new BuiltInSynth(std::move(impl)));
+}
+
+void BuiltInSynth::sendMessage(const std::vector<std::uint8_t>& bytes)
+{
+    if (bytes.empty())
+        return;
+    fluid_synth_t* synth = m_impl->synth;
+    const std::uint8_t status = bytes[0];
+    const int channel = status & 0x0F;
+    const int data1 = bytes.size() > 1 ? bytes[1] : 0;
+    const int data2 = bytes.size() > 2 ? bytes[2] : 0;
+    // Failures such as a note-off for a note that no longer sounds are not errors here.
+    switch (status & 0xF0) {
+    case 0x80:
+        fluid_synth_noteoff(synth, channel, data1);
+        break;
+    case 0x90:
+        if (data2 == 0)
+            fluid_synth_noteoff(synth, channel, data1);
+        else
+            fluid_synth_noteon(synth, channel, data1, data2);
+        break;
+    case 0xA0:
+        fluid_synth_key_pressure(synth, channel, data1, data2);
+        break;
+    case 0xB0:
+        fluid_synth_cc(synth, channel, data1, data2);
+        break;
+    case 0xC0:
+        fluid_synth_program_change(synth, channel, data1);
+        break;
+    case 0xD0:
+        fluid_synth_channel_pressure(synth, channel, data1);
+        break;
+    case 0xE0:
+        fluid_synth_pitch_bend(synth, channel, data1 | data2 << 7);
+        break;
+    default:
+        if (status == 0xF0 && bytes.size() >= 2) {
+            const std::size_t end = bytes.back() == 0xF7 ? bytes.size() - 1 : bytes.size();
+            const auto* body = reinterpret_cast<const char*>(bytes.data() + 1);
+            fluid_synth_sysex(synth, body, static_cast<int>(end - 1), nullptr, nullptr, nullptr, 0);
+        }
+        break;
+    }
+}
+
+} // namespace midi
