@@ -34,7 +34,7 @@ struct MachineDatabaseEntry
     std::uint8_t type = 1; // 0 master, 1 generator, 2 effect
     std::uint16_t minTracks = 0;
     std::uint16_t maxTracks = 0;
-    std::uint16_t totalParameterCount = 0; // as stored; the parameter list follows this count
+    std::uint16_t totalParameterCount = 0; // as stored; may disagree with the list (the mixer)
     std::uint16_t globalParameterCount = 0;
     std::uint16_t trackParameterCount = 0;
     std::uint8_t globalRowSize = 0; // bytes of one row of the global parameters
@@ -57,6 +57,9 @@ public:
 
     /**
      * Reads `machines.ini` from `directory`: exactly as many entries as its count line says.
+     * An entry's parameter lines are counted as its global plus track parameters, not by its
+     * stored total: the built-in mixer stores a total of 0 above its eight parameters, and
+     * trusting that would misread every entry after it.
      * Fails with "machines.ini not found\n please scan the buzz\gear-directory" and code 11 when
      * the file cannot be opened; an entry that cannot be read discards everything.
      */
