@@ -1,7 +1,330 @@
 #include "cli/Command.h"
 
+#include "song/BuzzSong.h"
+#include "song/DataFolderMachineCatalog.h"
+#include "song/FileErrorCode.h"
+#include "song/SongEdits.h"
+#include "song/SongReader.h"
+#include "song/SongWriter.h"
+#include "song/UnknownMachineHandler.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <ostream>
+#include <set>
+
 namespace cli {
 
-void registerSongCommands(std::vector<Command>& /*commands*/) {}
+namespace {
+
+/** Answers the reader's questions from the command line: --learn and --scan-dll. */
+class CliUnknownMachineHandler : public song::UnknownMachineHandler
+{
+public:
+    CliUnknownMachineHandler(const Arguments& args, std::ostream& err)
+        : m_learn(args.has("learn")), m_dlls(args.values("scan-dll")), m_err(err)
+    {}
+
+    bool learnFromSong(const std::string& machineName, const std::string& dllName) override
+    {
+        if (m_learn)
+            m_err << "learning machine \"" << machineName << "\" (" << dllName
+                  << ") from the song\n";
+        return m_learn;
+    }
+
+    std::optional<std::filesystem::path> chooseDllToScan(const std::string& /*message*/) override
+    {
+        if (m_nextDll >= m_dlls.size())
+            return std::nullopt;
+        return std::filesystem::path(m_dlls[m_nextDll++]);
+    }
+
+    void scanFailed(const music::Result& failure) override { m_err << failure.message() << '\n'; }
+
+private:
+    bool m_learn = false;
+    std::vector<std::string> m_dlls;
+    std::size_t m_nextDll = 0;
+    std::ostream& m_err;
+};
+
+std::vector<OptionSpec> readingOptions()
+{
+    return {{"learn", false, false}, {"scan-dll", true, true}};
+}
+
+/** Reads a song; on failure prints the system's message and the load error, returns false. */
+bool loadSong(const std::string& path, const Arguments& args, Context& context, song::BuzzSong& out)
+{
+    song::DataFolderMachineCatalog catalog(context.dataFolder().root());
+    CliUnknownMachineHandler handler(args, context.err());
+    song::SongReader reader(catalog, &handler);
+    const music::Result result = reader.read(path, out);
+    if (result)
+        return true;
+    if (!result.message().empty())
+        context.err() << result.message() << '\n';
+    context.err() << song::loadErrorText(result.code()) << '\n';
+    return false;
+}
+
+int saveSong(const song::BuzzSong& song, const std::string& path, Context& context)
+{
+    const music::Result result = song::SongWriter::write(song, path);
+    if (result)
+        return kExitSuccess;
+    if (!result.message().empty())
+        context.err() << result.message() << '\n';
+    return context.fail(song::saveErrorText(result.code()));
+}
+
+/** The output path: --output OUT or "-o OUT" among the positionals (removed from them). */
+std::string outputPath(const Arguments& args, std::vector<std::string>& positionals)
+{
+    std::optional<std::string> output = args.value("output");
+    const auto dashO = std::find(positionals.begin(), positionals.end(), "-o");
+    if (dashO != positionals.end()) {
+        if (output || dashO + 1 == positionals.end())
+            throw UsageError("give the output once, as -o OUT or --output OUT");
+        output = *(dashO + 1);
+        positionals.erase(dashO, dashO + 2);
+    }
+    if (!output)
+        throw UsageError("the output is required: -o OUT");
+    return *output;
+}
+
+std::size_t machineByName(const song::BuzzSong& song, const std::string& name, Context& context)
+{
+    const std::size_t index = song.findMachine(name);
+    if (index == song::BuzzSong::kNameNotFound)
+        context.err() << "no machine named \"" << name << "\" in the song\n";
+    return index;
+}
+
+/** A section name for display: unprintable bytes as '.'. */
+std::string printableName(const std::string& name)
+{
+    std::string out = name;
+    for (char& c : out) {
+        if (static_cast<unsigned char>(c) < 32 || static_cast<unsigned char>(c) > 126)
+            c = '.';
+    }
+    return out;
+}
+
+nlohmann::json songJson(const song::BuzzSong& song)
+{
+    using nlohmann::json;
+    json sections = json::array();
+    for (std::size_t i = 0; i < std::min<std::size_t>(song.sectionCount(), song.directory().size());
+         ++i) {
+        const song::SectionEntry& e = song.directory()[i];
+        sections.push_back({{"name", e.name}, {"offset", e.offset}, {"size", e.size}});
+    }
+    json machines = json::array();
+    for (std::size_t m = 0; m < song.machineCount(); ++m) {
+        const song::SongMachine& machine = song.machines()[m];
+        json patterns = json::array();
+        if (m < song.patternBlocks().size()) {
+            for (const song::SongPattern& p : song.patternBlocks()[m].patterns)
+                patterns.push_back({{"name", p.name}, {"rows", p.rows}});
+        }
+        machines.push_back({{"index", m},
+                            {"name", machine.name},
+                            {"type", machine.type},
+                            {"dll", machine.dllName},
+                            {"tracks", machine.trackCount},
+                            {"patterns", patterns}});
+    }
+    json connections = json::array();
+    for (const song::SongConnection& c : song.connections()) {
+        connections.push_back({{"source", c.source},
+                               {"destination", c.destination},
+                               {"amplitude", c.amplitude},
+                               {"panning", c.panning}});
+    }
+    json sequences = json::array();
+    for (const song::SongSequence& s : song.sequences()) {
+        json events = json::array();
+        for (const song::SequenceEvent& e : s.events)
+            events.push_back({{"position", e.position}, {"value", e.value}});
+        sequences.push_back({{"machine", s.machine},
+                             {"positionWidth", s.positionWidth},
+                             {"eventWidth", s.eventWidth},
+                             {"events", events}});
+    }
+    return {{"sections", sections},
+            {"machines", machines},
+            {"connections", connections},
+            {"sequences", sequences}};
+}
+
+void printSong(const song::BuzzSong& song, std::ostream& out)
+{
+    out << "Sections:\n";
+    for (std::size_t i = 0; i < std::min<std::size_t>(song.sectionCount(), song.directory().size());
+         ++i) {
+        const song::SectionEntry& e = song.directory()[i];
+        out << "  " << printableName(e.name) << "  offset " << e.offset << "  size " << e.size
+            << '\n';
+    }
+    out << "Machines:\n";
+    for (std::size_t m = 0; m < song.machineCount(); ++m) {
+        const song::SongMachine& machine = song.machines()[m];
+        out << "  " << m << ": \"" << machine.name << "\"  type " << int{machine.type};
+        if (!machine.isMaster())
+            out << "  dll \"" << machine.dllName << '"';
+        out << "  tracks " << machine.trackCount << '\n';
+        if (m < song.patternBlocks().size()) {
+            for (const song::SongPattern& p : song.patternBlocks()[m].patterns)
+                out << "    pattern \"" << p.name << "\"  rows " << p.rows << '\n';
+        }
+    }
+    out << "Connections:\n";
+    for (const song::SongConnection& c : song.connections()) {
+        out << "  " << c.source << " -> " << c.destination << "  amplitude " << c.amplitude
+            << "  panning " << c.panning << '\n';
+    }
+    out << "Sequences:\n";
+    for (const song::SongSequence& s : song.sequences()) {
+        out << "  machine " << s.machine << ":";
+        for (const song::SequenceEvent& e : s.events)
+            out << ' ' << e.position << ':' << e.value;
+        out << '\n';
+    }
+}
+
+int runSongInfo(const Arguments& args, Context& context)
+{
+    song::BuzzSong song;
+    if (!loadSong(args.positionals()[0], args, context, song))
+        return kExitFailure;
+    if (args.has("json"))
+        context.out() << songJson(song).dump(2, ' ', false,
+                                             nlohmann::json::error_handler_t::replace)
+                      << '\n';
+    else
+        printSong(song, context.out());
+    return kExitSuccess;
+}
+
+int runSongCopy(const Arguments& args, Context& context)
+{
+    song::BuzzSong song;
+    if (!loadSong(args.positionals()[0], args, context, song))
+        return kExitFailure;
+    return saveSong(song, args.positionals()[1], context);
+}
+
+int runRemoveMachine(const Arguments& args, Context& context)
+{
+    std::vector<std::string> positionals = args.positionals();
+    const std::string output = outputPath(args, positionals);
+    if (positionals.size() != 2)
+        throw UsageError("expected IN NAME -o OUT");
+    song::BuzzSong song;
+    if (!loadSong(positionals[0], args, context, song))
+        return kExitFailure;
+    const std::size_t machine = machineByName(song, positionals[1], context);
+    if (machine == song::BuzzSong::kNameNotFound)
+        return kExitFailure;
+    song::removeMachine(song, machine);
+    return saveSong(song, output, context);
+}
+
+int runRemovePatterns(const Arguments& args, Context& context)
+{
+    std::vector<std::string> positionals = args.positionals();
+    const std::string output = outputPath(args, positionals);
+    if (positionals.size() != 2)
+        throw UsageError("expected IN MACHINE (--index N ... | --all | --unused) -o OUT");
+    const std::vector<std::string> indexTexts = args.values("index");
+    const int modes =
+        (indexTexts.empty() ? 0 : 1) + (args.has("all") ? 1 : 0) + (args.has("unused") ? 1 : 0);
+    if (modes != 1)
+        throw UsageError("give exactly one of --index N, --all, --unused");
+    std::set<std::size_t> indices;
+    for (const std::string& text : indexTexts)
+        indices.insert(
+            static_cast<std::size_t>(Arguments::parseInteger(text, 0, 65535, "--index")));
+
+    song::BuzzSong song;
+    if (!loadSong(positionals[0], args, context, song))
+        return kExitFailure;
+    const std::size_t machine = machineByName(song, positionals[1], context);
+    if (machine == song::BuzzSong::kNameNotFound)
+        return kExitFailure;
+    if (args.has("all")) {
+        song::removeAllPatterns(song, machine);
+    } else if (args.has("unused")) {
+        song::removeUnusedPatterns(song, machine);
+    } else {
+        const std::size_t count = song.patternCount(machine);
+        for (const std::size_t index : indices) {
+            if (index >= count)
+                return context.fail("machine \"" + positionals[1] + "\" has no pattern " +
+                                    std::to_string(index) + " (it has " + std::to_string(count) +
+                                    ")");
+        }
+        song::removePatterns(song, machine,
+                             std::vector<std::size_t>(indices.begin(), indices.end()));
+    }
+    return saveSong(song, output, context);
+}
+
+int runTrim(const Arguments& args, Context& context)
+{
+    std::vector<std::string> positionals = args.positionals();
+    const std::string output = outputPath(args, positionals);
+    if (positionals.size() != 2)
+        throw UsageError("expected IN MACHINE -o OUT");
+    song::BuzzSong song;
+    if (!loadSong(positionals[0], args, context, song))
+        return kExitFailure;
+    const std::size_t machine = machineByName(song, positionals[1], context);
+    if (machine == song::BuzzSong::kNameNotFound)
+        return kExitFailure;
+    song::trimPatterns(song, machine);
+    return saveSong(song, output, context);
+}
+
+std::vector<OptionSpec> withReading(std::vector<OptionSpec> options)
+{
+    for (OptionSpec& o : readingOptions())
+        options.push_back(std::move(o));
+    return options;
+}
+
+} // namespace
+
+void registerSongCommands(std::vector<Command>& commands)
+{
+    const std::string learnHelp = " [--learn] [--scan-dll DLL]";
+    commands.push_back({"song-info", "SONG [--json]" + learnHelp,
+                        "Show a Buzz song's sections, machines, patterns, connections and "
+                        "sequences",
+                        withReading({{"json", false, false}}), 1, 1, runSongInfo});
+    commands.push_back({"song-copy", "IN OUT" + learnHelp,
+                        "Read a Buzz song and write it back as OUT", withReading({}), 2, 2,
+                        runSongCopy});
+    commands.push_back({"remove-machine", "IN NAME -o OUT" + learnHelp,
+                        "Remove a machine and everything that refers to it from a song",
+                        withReading({{"output", true, false}}), 2, 4, runRemoveMachine});
+    commands.push_back({"remove-patterns",
+                        "IN MACHINE (--index N ... | --all | --unused) -o OUT" + learnHelp,
+                        "Remove patterns of a machine, keeping its sequences consistent",
+                        withReading({{"output", true, false},
+                                     {"index", true, true},
+                                     {"all", false, false},
+                                     {"unused", false, false}}),
+                        2, 4, runRemovePatterns});
+    commands.push_back({"trim", "IN MACHINE -o OUT" + learnHelp,
+                        "Cut a machine's patterns after their last note and drop tracks "
+                        "without notes",
+                        withReading({{"output", true, false}}), 2, 4, runTrim});
+}
 
 } // namespace cli
