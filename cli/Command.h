@@ -21,8 +21,7 @@ class Context
 public:
     Context(std::ostream& out, std::ostream& err, std::filesystem::path explicitDataDir)
         : m_out(out), m_err(err), m_explicitDataDir(std::move(explicitDataDir))
-    {
-    }
+    {}
 
     std::ostream& out() { return m_out; }
     std::ostream& err() { return m_err; }
@@ -60,6 +59,7 @@ void registerMusicCommands(std::vector<Command>& commands);
 void registerPartCommands(std::vector<Command>& commands);
 void registerSongCommands(std::vector<Command>& commands);
 void registerMachineCommands(std::vector<Command>& commands);
+void registerWritePartCommands(std::vector<Command>& commands);
 void registerMidiCommands(std::vector<Command>& commands);
 void registerPlayCommands(std::vector<Command>& commands);
 

@@ -1,12 +1,8 @@
 #include "cli/Command.h"
+#include "cli/SongLoading.h"
 
 #include "song/BuzzSong.h"
-#include "song/DataFolderMachineCatalog.h"
-#include "song/FileErrorCode.h"
 #include "song/SongEdits.h"
-#include "song/SongReader.h"
-#include "song/SongWriter.h"
-#include "song/UnknownMachineHandler.h"
 
 #include <nlohmann/json.hpp>
 
@@ -17,84 +13,6 @@
 namespace cli {
 
 namespace {
-
-/** Answers the reader's questions from the command line: --learn and --scan-dll. */
-class CliUnknownMachineHandler : public song::UnknownMachineHandler
-{
-public:
-    CliUnknownMachineHandler(const Arguments& args, std::ostream& err)
-        : m_learn(args.has("learn")), m_dlls(args.values("scan-dll")), m_err(err)
-    {}
-
-    bool learnFromSong(const std::string& machineName, const std::string& dllName) override
-    {
-        if (m_learn)
-            m_err << "learning machine \"" << machineName << "\" (" << dllName
-                  << ") from the song\n";
-        return m_learn;
-    }
-
-    std::optional<std::filesystem::path> chooseDllToScan(const std::string& /*message*/) override
-    {
-        if (m_nextDll >= m_dlls.size())
-            return std::nullopt;
-        return std::filesystem::path(m_dlls[m_nextDll++]);
-    }
-
-    void scanFailed(const music::Result& failure) override { m_err << failure.message() << '\n'; }
-
-private:
-    bool m_learn = false;
-    std::vector<std::string> m_dlls;
-    std::size_t m_nextDll = 0;
-    std::ostream& m_err;
-};
-
-std::vector<OptionSpec> readingOptions()
-{
-    return {{"learn", false, false}, {"scan-dll", true, true}};
-}
-
-/** Reads a song; on failure prints the system's message and the load error, returns false. */
-bool loadSong(const std::string& path, const Arguments& args, Context& context, song::BuzzSong& out)
-{
-    song::DataFolderMachineCatalog catalog(context.dataFolder().root());
-    CliUnknownMachineHandler handler(args, context.err());
-    song::SongReader reader(catalog, &handler);
-    const music::Result result = reader.read(path, out);
-    if (result)
-        return true;
-    if (!result.message().empty())
-        context.err() << result.message() << '\n';
-    context.err() << song::loadErrorText(result.code()) << '\n';
-    return false;
-}
-
-int saveSong(const song::BuzzSong& song, const std::string& path, Context& context)
-{
-    const music::Result result = song::SongWriter::write(song, path);
-    if (result)
-        return kExitSuccess;
-    if (!result.message().empty())
-        context.err() << result.message() << '\n';
-    return context.fail(song::saveErrorText(result.code()));
-}
-
-/** The output path: --output OUT or "-o OUT" among the positionals (removed from them). */
-std::string outputPath(const Arguments& args, std::vector<std::string>& positionals)
-{
-    std::optional<std::string> output = args.value("output");
-    const auto dashO = std::find(positionals.begin(), positionals.end(), "-o");
-    if (dashO != positionals.end()) {
-        if (output || dashO + 1 == positionals.end())
-            throw UsageError("give the output once, as -o OUT or --output OUT");
-        output = *(dashO + 1);
-        positionals.erase(dashO, dashO + 2);
-    }
-    if (!output)
-        throw UsageError("the output is required: -o OUT");
-    return *output;
-}
 
 std::size_t machineByName(const song::BuzzSong& song, const std::string& name, Context& context)
 {
@@ -221,10 +139,8 @@ int runSongCopy(const Arguments& args, Context& context)
 
 int runRemoveMachine(const Arguments& args, Context& context)
 {
-    std::vector<std::string> positionals = args.positionals();
-    const std::string output = outputPath(args, positionals);
-    if (positionals.size() != 2)
-        throw UsageError("expected IN NAME -o OUT");
+    const std::vector<std::string>& positionals = args.positionals();
+    const std::string output = args.required("output");
     song::BuzzSong song;
     if (!loadSong(positionals[0], args, context, song))
         return kExitFailure;
@@ -237,10 +153,8 @@ int runRemoveMachine(const Arguments& args, Context& context)
 
 int runRemovePatterns(const Arguments& args, Context& context)
 {
-    std::vector<std::string> positionals = args.positionals();
-    const std::string output = outputPath(args, positionals);
-    if (positionals.size() != 2)
-        throw UsageError("expected IN MACHINE (--index N ... | --all | --unused) -o OUT");
+    const std::vector<std::string>& positionals = args.positionals();
+    const std::string output = args.required("output");
     const std::vector<std::string> indexTexts = args.values("index");
     const int modes =
         (indexTexts.empty() ? 0 : 1) + (args.has("all") ? 1 : 0) + (args.has("unused") ? 1 : 0);
@@ -277,10 +191,8 @@ int runRemovePatterns(const Arguments& args, Context& context)
 
 int runTrim(const Arguments& args, Context& context)
 {
-    std::vector<std::string> positionals = args.positionals();
-    const std::string output = outputPath(args, positionals);
-    if (positionals.size() != 2)
-        throw UsageError("expected IN MACHINE -o OUT");
+    const std::vector<std::string>& positionals = args.positionals();
+    const std::string output = args.required("output");
     song::BuzzSong song;
     if (!loadSong(positionals[0], args, context, song))
         return kExitFailure;
@@ -291,13 +203,6 @@ int runTrim(const Arguments& args, Context& context)
     return saveSong(song, output, context);
 }
 
-std::vector<OptionSpec> withReading(std::vector<OptionSpec> options)
-{
-    for (OptionSpec& o : readingOptions())
-        options.push_back(std::move(o));
-    return options;
-}
-
 } // namespace
 
 void registerSongCommands(std::vector<Command>& commands)
@@ -306,25 +211,25 @@ void registerSongCommands(std::vector<Command>& commands)
     commands.push_back({"song-info", "SONG [--json]" + learnHelp,
                         "Show a Buzz song's sections, machines, patterns, connections and "
                         "sequences",
-                        withReading({{"json", false, false}}), 1, 1, runSongInfo});
+                        withSongReading({{"json", false, false}}), 1, 1, runSongInfo});
     commands.push_back({"song-copy", "IN OUT" + learnHelp,
-                        "Read a Buzz song and write it back as OUT", withReading({}), 2, 2,
+                        "Read a Buzz song and write it back as OUT", withSongReading({}), 2, 2,
                         runSongCopy});
     commands.push_back({"remove-machine", "IN NAME -o OUT" + learnHelp,
                         "Remove a machine and everything that refers to it from a song",
-                        withReading({{"output", true, false}}), 2, 4, runRemoveMachine});
+                        withSongReading({outputOption()}), 2, 2, runRemoveMachine});
     commands.push_back({"remove-patterns",
                         "IN MACHINE (--index N ... | --all | --unused) -o OUT" + learnHelp,
                         "Remove patterns of a machine, keeping its sequences consistent",
-                        withReading({{"output", true, false},
-                                     {"index", true, true},
-                                     {"all", false, false},
-                                     {"unused", false, false}}),
-                        2, 4, runRemovePatterns});
+                        withSongReading({outputOption(),
+                                         {"index", true, true},
+                                         {"all", false, false},
+                                         {"unused", false, false}}),
+                        2, 2, runRemovePatterns});
     commands.push_back({"trim", "IN MACHINE -o OUT" + learnHelp,
                         "Cut a machine's patterns after their last note and drop tracks "
                         "without notes",
-                        withReading({{"output", true, false}}), 2, 4, runTrim});
+                        withSongReading({outputOption()}), 2, 2, runTrim});
 }
 
 } // namespace cli

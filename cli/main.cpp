@@ -33,6 +33,7 @@ std::vector<Command> allCommands()
     registerPartCommands(commands);
     registerSongCommands(commands);
     registerMachineCommands(commands);
+    registerWritePartCommands(commands);
     registerMidiCommands(commands);
     registerPlayCommands(commands);
     return commands;

@@ -1,0 +1,99 @@
+#!/usr/bin/env bash
+# End-to-end checks of write-part: the shipped demo part written into a real song's generator,
+# read back with song-info the way a user would check it.
+set -u
+CLI="$1"
+CORPUS="${TM_SONG_CORPUS:-${TM_SONG_CORPUS_DEFAULT:-}}"
+SONG="$CORPUS/neil_MadBrains_Dynamite6_demo.bmx"
+PART="${TM_SOURCE_DIR:-$(dirname "$0")/../..}/data/default.prt"
+if [ ! -f "$SONG" ]; then
+    echo "SKIP: no song corpus (set TM_SONG_CORPUS); $SONG is missing"
+    exit 77
+fi
+
+WORK="$(mktemp -d)"
+trap 'rm -rf "$WORK"' EXIT
+DATA="$WORK/data"
+mkdir -p "$DATA"
+# The song's machines are learned into this copy, never into the build's data folder.
+cp "${TM_DATA_DIR:-$(dirname "$0")/../../data}/machines.ini" "$DATA/"
+failures=0
+
+fail() {
+    echo "FAIL: $*"
+    failures=$((failures + 1))
+}
+
+# run EXPECTED_EXIT ARGS...: runs the program, keeps stdout and stderr in $WORK/out and $WORK/err.
+run() {
+    local expected="$1"
+    shift
+    "$CLI" "$@" >"$WORK/out" 2>"$WORK/err"
+    local status=$?
+    if [ "$status" -ne "$expected" ]; then
+        fail "'$*' exited $status, expected $expected; stderr: $(cat "$WORK/err")"
+    fi
+}
+
+expect_in() { grep -qF -- "$2" "$WORK/$1" || fail "$1 lacks '$2': $(head -c 400 "$WORK/$1")"; }
+# The patterns song-info lists under machine $2, one "name rows" a line, into $WORK/$1.
+patterns_of() {
+    sed -n "/^  [0-9]*: \"$2\"/,/^  [0-9]*: /p" "$WORK/out" | grep '^    pattern' |
+        sed 's/^    pattern "\(.*\)"  rows \([0-9]*\)$/\1 \2/' >"$WORK/$1"
+}
+
+# Replace the machine's patterns by the part's seven chords, with a sequence.
+run 0 write-part --part "$PART" --song "$SONG" --machine Dynamite6 -o "$WORK/one.bmx" \
+    --sequence --learn --data "$DATA"
+[ "$(cat "$WORK/out")" = "done" ] || fail "stdout is not 'done': $(cat "$WORK/out")"
+
+run 0 song-info "$WORK/one.bmx" --data "$DATA"
+patterns_of patterns Dynamite6
+printf '%s\n' "Am 16" "C 16" "Cmaj7 32" "Dm7 16" "F 16" "G 16" "G7 16" >"$WORK/expected"
+diff -u "$WORK/expected" "$WORK/patterns" || fail "patterns of Dynamite6 differ"
+expect_in out '1: "Dynamite6"  type 1  dll "MadBrain'"'"'s Dynamite 6"  tracks 4'
+# Chords C Am F G Dm7 G7 Cmaj7 play one after another, each naming its pattern in name order.
+[ "$(grep -c '^  machine 1:' "$WORK/out")" = 1 ] || fail "machine 1 should have one sequence"
+expect_in out "  machine 1: 0:17 16:16 32:20 48:21 64:19 80:22 96:18"
+# The other machines keep their patterns.
+patterns_of other Dynamite62
+[ -s "$WORK/other" ] || fail "Dynamite62 lost its patterns"
+
+# Appending with names from the notes keeps the old patterns and sorts everything by name.
+run 0 write-part --part "$PART" --song "$WORK/one.bmx" --machine Dynamite6 -o "$WORK/two.bmx" \
+    --append --sequence --names-by-notes --data "$DATA"
+run 0 song-info "$WORK/two.bmx" --data "$DATA"
+patterns_of patterns Dynamite6
+[ "$(wc -l <"$WORK/patterns")" = 14 ] || fail "expected 14 patterns: $(cat "$WORK/patterns")"
+expect_in patterns "C0 E0 G0 16"
+expect_in patterns "C0 E0 G0 B0 32"
+sed 's/ [0-9]*$//' "$WORK/patterns" | LC_ALL=C sort -c || fail "patterns are not in name order"
+
+# Failures print the message on stderr, exit 1 and write nothing.
+run 1 write-part --part "$PART" --song "$SONG" --machine Reverb2 -o "$WORK/bad.bmx" --data "$DATA"
+expect_in err "Error:	 unable to find Noteparameter"
+[ ! -e "$WORK/bad.bmx" ] || fail "a failed write saved the song"
+run 1 write-part --part "$PART" --song "$SONG" --machine Nobody -o "$WORK/bad.bmx" --data "$DATA"
+expect_in err 'no machine named "Nobody"'
+run 1 write-part --part "$PART" --song "$SONG" --machine Dynamite6 -o "$WORK/bad.bmx" \
+    --tracks 00000000 --data "$DATA"
+expect_in err "nothing to write"
+run 1 write-part --part "$WORK/missing.prt" --song "$SONG" --machine Dynamite6 \
+    -o "$WORK/bad.bmx" --data "$DATA"
+expect_in err "unable to open file"
+run 1 write-part --part "$PART" --song "$WORK/missing.bmx" --machine Dynamite6 \
+    -o "$WORK/bad.bmx" --data "$DATA"
+expect_in err "Error loading file"
+run 1 write-part --part "$PART" --song "$SONG" --machine Dynamite6 \
+    -o "$WORK/no-such-folder/out.bmx" --data "$DATA"
+expect_in err "Error saving file"
+[ ! -e "$WORK/bad.bmx" ] || fail "a failed write saved the song"
+
+# Usage errors exit 2.
+run 2 write-part --part "$PART" --song "$SONG" --machine Dynamite6 --data "$DATA"
+
+if [ "$failures" -ne 0 ]; then
+    echo "$failures check(s) failed"
+    exit 1
+fi
+echo "write-part: all checks passed"
