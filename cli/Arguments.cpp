@@ -12,24 +12,29 @@ Arguments Arguments::parse(const std::vector<std::string>& tokens,
     bool onlyPositionals = false;
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         const std::string& token = tokens[i];
-        if (onlyPositionals || token.size() < 3 || token.compare(0, 2, "--") != 0) {
-            if (token == "--") {
+        const bool isShort = token.size() == 2 && token[0] == '-' && token[1] != '-' &&
+                             !(token[1] >= '0' && token[1] <= '9');
+        const bool isLong = token.size() > 2 && token.compare(0, 2, "--") == 0;
+        if (onlyPositionals || (!isShort && !isLong)) {
+            if (token == "--" && !onlyPositionals) {
                 onlyPositionals = true;
                 continue;
             }
             args.m_positionals.push_back(token);
             continue;
         }
-        std::string name = token.substr(2);
+        std::string name = isShort ? token : token.substr(2);
         std::optional<std::string> inlineValue;
-        if (const auto eq = name.find('='); eq != std::string::npos) {
+        if (const auto eq = name.find('='); isLong && eq != std::string::npos) {
             inlineValue = name.substr(eq + 1);
             name.resize(eq);
         }
-        const auto spec = std::find_if(specs.begin(), specs.end(),
-                                       [&](const OptionSpec& s) { return s.name == name; });
+        const auto spec = std::find_if(specs.begin(), specs.end(), [&](const OptionSpec& s) {
+            return isShort ? s.shortName != '\0' && s.shortName == token[1] : s.name == name;
+        });
         if (spec == specs.end())
-            throw UsageError("unknown option --" + name);
+            throw UsageError("unknown option " + (isShort ? token : "--" + name));
+        name = spec->name;
         if (!spec->repeatable && args.has(name))
             throw UsageError("option --" + name + " given twice");
 

@@ -16,13 +16,23 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/** One option a command accepts: "--name" alone (a flag) or "--name VALUE" / "--name=VALUE". */
+/**
+ * One option a command accepts: "--name" alone (a flag) or "--name VALUE" / "--name=VALUE";
+ * with a short name also "-n" / "-n VALUE".
+ */
 struct OptionSpec
 {
     std::string name; // without the leading dashes
     bool takesValue = false;
     bool repeatable = false;
+    char shortName = '\0';
 };
+
+/** The output file option, "-o OUT" or "--output OUT". */
+inline OptionSpec outputOption()
+{
+    return {"output", true, false, 'o'};
+}
 
 /** The parsed arguments of one command: options by name and the positional arguments. */
 class Arguments

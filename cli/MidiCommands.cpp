@@ -21,29 +21,10 @@ std::pair<std::int64_t, std::int64_t> parsePair(const std::string& text, std::in
             Arguments::parseInteger(text.substr(comma + 1), min, max, what)};
 }
 
-/**
- * The output file: --output FILE, or "-o FILE", which the argument parser hands over as two
- * positional words since it knows only long options.
- */
-std::string outputPath(const Arguments& args)
-{
-    const auto& words = args.positionals();
-    if (args.has("output")) {
-        if (!words.empty())
-            throw UsageError("give the output file once, with -o or --output");
-        return args.required("output");
-    }
-    if (words.size() == 2 && words[0] == "-o")
-        return words[1];
-    if (words.empty())
-        throw UsageError("the output file is missing (-o FILE.mid)");
-    throw UsageError("unexpected argument \"" + words[0] + "\"");
-}
-
 int runMidi(const Arguments& args, Context& context)
 {
     const std::string partPath = args.required("part");
-    const std::string output = outputPath(args);
+    const std::string output = args.required("output");
     // Parsed (and the random source seeded) before anything is read, so usage errors come first.
     const part::RenderOptions render = parsePartOptions(args);
 
@@ -79,7 +60,7 @@ int runMidi(const Arguments& args, Context& context)
 void registerMidiCommands(std::vector<Command>& commands)
 {
     std::vector<OptionSpec> options = {
-        {"part", true, false},       {"output", true, false},  {"bpm", true, false},
+        {"part", true, false},       outputOption(),           {"bpm", true, false},
         {"tpb", true, false},        {"channel", true, false}, {"velocity", true, false},
         {"write-bpm", false, false}, {"range", true, false},
     };
@@ -97,7 +78,7 @@ void registerMidiCommands(std::vector<Command>& commands)
         "tempo. Prints nothing on success.",
         std::move(options),
         0,
-        2,
+        0,
         runMidi,
     });
 }

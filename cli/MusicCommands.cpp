@@ -83,20 +83,9 @@ int runScales(const Arguments& args, Context& context)
     return kExitSuccess;
 }
 
-/** The output path: "-o OUT" (two positionals) or "--output OUT". */
-std::string outputPath(const Arguments& args)
-{
-    const auto& positionals = args.positionals();
-    if (positionals.size() == 2 && positionals[0] == "-o" && !args.has("output"))
-        return positionals[1];
-    if (positionals.empty() && args.has("output"))
-        return *args.value("output");
-    throw UsageError("give the output file as -o OUT.crd");
-}
-
 int runGenerate(const Arguments& args, Context& context)
 {
-    const std::string output = outputPath(args);
+    const std::string output = args.required("output");
     std::vector<std::string> scaleNames = args.values("scale");
     if (args.has("default-scale-groups")) {
         if (!scaleNames.empty())
@@ -233,9 +222,9 @@ void registerMusicCommands(std::vector<Command>& commands)
           {"scales", true, false},
           {"scale", true, true},
           {"default-scale-groups", false, false},
-          {"output", true, false}},
+          outputOption()},
          0,
-         2,
+         0,
          runGenerate});
     std::vector<OptionSpec> chordOptions = searchOptions;
     chordOptions.push_back({"all", false, false});
