@@ -6,7 +6,7 @@
 PRESET ?= dev
 BUILD_DIR := build/$(PRESET)
 
-.PHONY: all deps configure build run test bench fuzz format clean
+.PHONY: all deps configure build run test fuzz-smoke bench format clean
 
 all: build
 
@@ -20,10 +20,17 @@ build: configure
 	@cmake --build --preset $(PRESET)
 
 run: build
-	$(BUILD_DIR)/bin/tonalmancer-cli --help
+	$(BUILD_DIR)/bin/tonalmancer
 
 test: build
 	@ctest --preset $(PRESET)
+	@$(MAKE) --no-print-directory fuzz-smoke
+
+# Every file reader that takes untrusted input has a libFuzzer target; each gets a short run.
+fuzz-smoke: deps
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz --target fuzzers
+	@tools/fuzz-smoke.sh build/fuzz
 
 bench: deps
 	@cmake --preset bench >/dev/null

@@ -1,0 +1,390 @@
+#include "app/CMainFrame.h"
+
+#include "app/ActionFactory.h"
+#include "app/CAboutDialog.h"
+#include "app/CTempoBar.h"
+#include "app/CTonalmancerDoc.h"
+#include "app/CTonalmancerView.h"
+#include "app/CUnknownMachineDialogs.h"
+#include "app/CommandTable.h"
+#include "app/FileFilters.h"
+#include "app/HelpRouter.h"
+#include "app/MessageBoxes.h"
+#include "app/WaitCursor.h"
+#include "song/FileErrorCode.h"
+#include "song/MachineScanner.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QSettings>
+#include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
+
+namespace app {
+
+namespace {
+
+// Toolbar buttons: every command with a second prompt line, grouped; About is left out because
+// it would repeat the Help button's tooltip.
+constexpr std::string_view kToolbarLayout[] = {
+    "file.open",
+    "file.save",
+    "",
+    "part.new",
+    "part.load",
+    "part.save",
+    "",
+    "part.play",
+    "part.playChord",
+    "part.stop",
+    "",
+    "part.createMidiFile",
+    "part.createBuzzPatternsButton",
+    "part.addToPresetsButton",
+    "part.printChordList",
+    "",
+    "view.showBmx",
+    "view.showSettings",
+    "",
+    "help.topics",
+    "file.exit",
+};
+
+QIcon standardIcon(std::string_view id)
+{
+    const QStyle* style = QApplication::style();
+    const std::pair<std::string_view, QStyle::StandardPixmap> icons[] = {
+        {"file.open", QStyle::SP_DialogOpenButton},
+        {"file.save", QStyle::SP_DialogSaveButton},
+        {"part.new", QStyle::SP_FileIcon},
+        {"part.load", QStyle::SP_DirOpenIcon},
+        {"part.save", QStyle::SP_DriveFDIcon},
+        {"part.play", QStyle::SP_MediaPlay},
+        {"part.playChord", QStyle::SP_MediaSeekForward},
+        {"part.stop", QStyle::SP_MediaStop},
+        {"view.showBmx", QStyle::SP_ComputerIcon},
+        {"view.showSettings", QStyle::SP_FileDialogDetailedView},
+        {"help.topics", QStyle::SP_DialogHelpButton},
+        {"part.createMidiFile", QStyle::SP_MediaVolume},
+        {"part.createBuzzPatternsButton", QStyle::SP_ArrowRight},
+        {"part.addToPresetsButton", QStyle::SP_FileDialogNewFolder},
+        {"part.printChordList", QStyle::SP_FileDialogListView},
+        {"file.exit", QStyle::SP_DialogCloseButton},
+    };
+    for (const auto& [name, pixmap] : icons) {
+        if (name == id)
+            return style->standardIcon(pixmap);
+    }
+    return {};
+}
+
+} // namespace
+
+CMainFrame::CMainFrame(QWidget* parent) : QMainWindow(parent)
+{
+    setObjectName(QStringLiteral("mainFrame"));
+    m_help =
+        std::make_unique<HelpRouter>(HelpRouter::findManual(QApplication::applicationDirPath()));
+    m_machineDialogs = std::make_unique<CUnknownMachineDialogs>(this);
+    createActions();
+    createMenus();
+    createToolBars();
+
+    QStatusBar* status = statusBar();
+    // Status tips clear the message when the mouse leaves a command; show the idle text then.
+    connect(status, &QStatusBar::messageChanged, this, [status](const QString& message) {
+        if (message.isEmpty())
+            status->showMessage(ActionFactory::toQString(kIdleText));
+    });
+    status->showMessage(ActionFactory::toQString(kIdleText));
+    updateTitle();
+    resize(1200, 800);
+}
+
+CMainFrame::~CMainFrame() = default;
+
+QAction* CMainFrame::action(std::string_view id) const
+{
+    const auto found = m_actions.find(id);
+    return found == m_actions.end() ? nullptr : found->second;
+}
+
+void CMainFrame::createActions()
+{
+    for (const auto table : {commands::menuBar(), commands::keyAndToolbarOnly()}) {
+        for (const CommandEntry& entry : table) {
+            if (m_actions.count(entry.id) != 0)
+                continue;
+            QAction* created = ActionFactory::createAction(entry, this);
+            created->setIcon(standardIcon(entry.id));
+            // Accelerators work anywhere in the main window, menus open or not.
+            addAction(created);
+            m_actions.emplace(std::string(entry.id), created);
+        }
+    }
+    // Some keyboards send Enter from the keypad for the pattern accelerators.
+    action("pattern.new")
+        ->setShortcuts({QKeySequence(QStringLiteral("Ctrl+Return")),
+                        QKeySequence(QStringLiteral("Ctrl+Enter"))});
+    action("pattern.copy")
+        ->setShortcuts({QKeySequence(QStringLiteral("Ctrl+Shift+Return")),
+                        QKeySequence(QStringLiteral("Ctrl+Shift+Enter"))});
+
+    connect(action("file.exit"), &QAction::triggered, this, &QWidget::close);
+    connect(action("help.topics"), &QAction::triggered, this, [this] {
+        if (!m_help->openTopics())
+            MessageBoxes::show(this, tr("The manual could not be found beside the program."),
+                               QMessageBox::Information);
+    });
+    connect(action("help.about"), &QAction::triggered, this, [this] {
+        CAboutDialog dialog(this);
+        dialog.exec();
+    });
+    for (const char* id : {"part.play", "part.playChord"}) {
+        // A click toggles the check mark; the flags decide what it shows.
+        connect(action(id), &QAction::triggered, this, [this] { updateCommandStates(); });
+    }
+}
+
+void CMainFrame::createMenus()
+{
+    QMenu* menu = nullptr;
+    std::string_view current;
+    for (const CommandEntry& entry : commands::menuBar()) {
+        if (menu == nullptr || entry.path != current) {
+            menu = menuBar()->addMenu(ActionFactory::toQString(entry.path));
+            current = entry.path;
+        }
+        menu->addAction(action(entry.id));
+        // Separators between the groups of a menu.
+        if (entry.id == "file.update" || entry.id == "file.saveAs" ||
+            entry.id == "file.saveAsDefault" || entry.id == "chords.manager" ||
+            entry.id == "chords.continueSearch" || entry.id == "chords.generate" ||
+            entry.id == "chords.save" || entry.id == "part.createMidiFile" ||
+            entry.id == "part.saveAsDefault" || entry.id == "machines.add" ||
+            entry.id == "help.topics")
+            menu->addSeparator();
+    }
+}
+
+void CMainFrame::createToolBars()
+{
+    m_toolBar = addToolBar(tr("Commands"));
+    m_toolBar->setObjectName(QStringLiteral("commandBar"));
+    m_toolBar->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    for (const std::string_view id : kToolbarLayout) {
+        if (id.empty())
+            m_toolBar->addSeparator();
+        else
+            m_toolBar->addAction(action(id));
+    }
+
+    m_tempoBar = new CTempoBar(this);
+    addToolBar(Qt::TopToolBarArea, m_tempoBar);
+}
+
+void CMainFrame::setDocumentAndView(CTonalmancerDoc* document, CTonalmancerView* view)
+{
+    m_document = document;
+    m_view = view;
+    setCentralWidget(view);
+    if (m_document != nullptr) {
+        m_document->setUnknownMachineHandler(m_machineDialogs.get());
+        connect(m_document, &CTonalmancerDoc::songChanged, this, &CMainFrame::updateTitle);
+        connectDocumentCommands();
+    }
+    updateTitle();
+}
+
+void CMainFrame::connectDocumentCommands()
+{
+    const QString filter = QString::fromLatin1(CTonalmancerDoc::kFileFilter);
+    connect(action("file.new"), &QAction::triggered, this, [this] { m_document->newSong(); });
+    connect(action("file.open"), &QAction::triggered, this, [this, filter] {
+        const QString path =
+            QFileDialog::getOpenFileName(this, tr("Open Buzz Song"), songFolder(), filter);
+        if (!path.isEmpty())
+            openSong(path);
+    });
+    connect(action("file.update"), &QAction::triggered, this, [this] { reloadSong(); });
+    connect(action("file.save"), &QAction::triggered, this, [this] { saveSong(); });
+    connect(action("file.saveAs"), &QAction::triggered, this, [this, filter] {
+        const QString path =
+            QFileDialog::getSaveFileName(this, tr("Save Buzz Song"), songFolder(), filter);
+        if (!path.isEmpty())
+            saveSongAs(path);
+    });
+    connect(action("machines.scanFile"), &QAction::triggered, this, [this] {
+        const QString path = QFileDialog::getOpenFileName(
+            this, tr("Scan Single File"), QString(),
+            FileFilters::fromPairs(QString::fromLatin1(CUnknownMachineDialogs::kDllFilter)));
+        if (!path.isEmpty())
+            scanSingleFile(path);
+    });
+    connect(action("machines.scanGear"), &QAction::triggered, this, [this] {
+        const QString path = QFileDialog::getExistingDirectory(this, tr("Gear Directory"));
+        if (!path.isEmpty())
+            scanGearDirectory(path);
+    });
+    connect(action("file.loadDefault"), &QAction::triggered, this, [this] { loadDefaultSong(); });
+    connect(action("file.saveAsDefault"), &QAction::triggered, this,
+            [this] { saveSongAsDefault(); });
+}
+
+QString CMainFrame::songFolder() const
+{
+    if (m_document != nullptr && !m_document->path().isEmpty())
+        return QFileInfo(m_document->path()).absolutePath();
+    return m_document != nullptr
+               ? QString::fromStdString(m_document->dataFolder().userFolder().string())
+               : QString();
+}
+
+bool CMainFrame::reportLoad(const music::Result& result)
+{
+    if (result)
+        return true;
+    // The reader's own message first (not a Buzz file, unknown machine), unless a dialog on the
+    // way has shown it already; then the code.
+    if (!result.message().empty() && !m_machineDialogs->messageShown())
+        MessageBoxes::error(this, QString::fromStdString(result.message()));
+    MessageBoxes::error(this, QString::fromStdString(song::loadErrorText(result.code())));
+    return false;
+}
+
+bool CMainFrame::reportSave(const music::Result& result)
+{
+    if (result)
+        return true;
+    MessageBoxes::error(this, QString::fromStdString(song::saveErrorText(result.code())));
+    return false;
+}
+
+bool CMainFrame::openSong(const QString& path)
+{
+    m_machineDialogs->resetMessageShown();
+    return reportLoad(m_document->open(path));
+}
+
+bool CMainFrame::reloadSong()
+{
+    if (m_document->path().isEmpty())
+        return false; // a new song has no file to read again
+    m_machineDialogs->resetMessageShown();
+    return reportLoad(m_document->reload());
+}
+
+bool CMainFrame::saveSong()
+{
+    if (m_document->path().isEmpty()) {
+        const QString path =
+            QFileDialog::getSaveFileName(this, tr("Save Buzz Song"), songFolder(),
+                                         QString::fromLatin1(CTonalmancerDoc::kFileFilter));
+        return !path.isEmpty() && saveSongAs(path);
+    }
+    return reportSave(m_document->save());
+}
+
+bool CMainFrame::saveSongAs(const QString& path)
+{
+    return reportSave(m_document->saveAs(path));
+}
+
+bool CMainFrame::loadDefaultSong()
+{
+    m_machineDialogs->resetMessageShown();
+    return reportLoad(m_document->loadDefault());
+}
+
+bool CMainFrame::scanSingleFile(const QString& dllPath)
+{
+    bool changed = false;
+    music::Result result;
+    {
+        WaitCursor wait;
+        result = song::MachineScanner::scanSingleDll(m_document->dataFolder().root(),
+                                                     dllPath.toStdString(), changed);
+    }
+    if (!result) {
+        MessageBoxes::error(this, QString::fromStdString(result.message()));
+        return false;
+    }
+    statusBar()->showMessage(changed ? tr("The machine was added to the machine database.")
+                                     : tr("The machine database knows this machine already."),
+                             5000);
+    return true;
+}
+
+bool CMainFrame::scanGearDirectory(const QString& gearPath)
+{
+    music::Result result;
+    {
+        WaitCursor wait;
+        result = song::MachineScanner::scanGearDirectory(m_document->dataFolder().root(),
+                                                         gearPath.toStdString());
+    }
+    if (!result) {
+        MessageBoxes::error(this, QString::fromStdString(result.message()));
+        return false;
+    }
+    MessageBoxes::show(this, ActionFactory::toQString(song::MachineScanner::kScanDoneMessage),
+                       QMessageBox::Information);
+    return true;
+}
+
+bool CMainFrame::saveSongAsDefault()
+{
+    return reportSave(m_document->saveAsDefault());
+}
+
+void CMainFrame::setPlayingFlags(bool playingPart, bool playingChord)
+{
+    m_playingPart = playingPart;
+    m_playingChord = playingChord;
+    updateCommandStates();
+}
+
+void CMainFrame::updateCommandStates()
+{
+    action("part.play")->setChecked(m_playingPart);
+    action("part.playChord")->setChecked(m_playingChord);
+}
+
+void CMainFrame::updateTitle()
+{
+    const QString name = m_document != nullptr ? m_document->title() : tr("Untitled");
+    setWindowTitle(name + QStringLiteral(" - Tonalmancer"));
+    const bool hasSong = m_document != nullptr && m_document->hasSong();
+    action("file.save")->setEnabled(hasSong);
+    action("file.saveAs")->setEnabled(hasSong);
+    action("file.saveAsDefault")->setEnabled(hasSong);
+    action("file.update")->setEnabled(m_document != nullptr && !m_document->path().isEmpty());
+}
+
+void CMainFrame::restoreWindowState()
+{
+    QSettings settings;
+    restoreGeometry(settings.value(QStringLiteral("mainFrame/geometry")).toByteArray());
+    restoreState(settings.value(QStringLiteral("mainFrame/state")).toByteArray());
+    if (m_view != nullptr)
+        m_view->restoreLayout(settings);
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event)
+{
+    QSettings settings;
+    settings.setValue(QStringLiteral("mainFrame/geometry"), saveGeometry());
+    settings.setValue(QStringLiteral("mainFrame/state"), saveState());
+    if (m_view != nullptr) {
+        m_view->saveLayout(settings);
+        m_view->shutdown();
+    }
+    event->accept();
+}
+
+} // namespace app

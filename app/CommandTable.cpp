@@ -1,0 +1,273 @@
+#include "app/CommandTable.h"
+
+#include <array>
+
+namespace commands {
+
+namespace {
+
+constexpr bool kLater = false; // belongs to the part editor and song windows
+
+// clang-format off
+constexpr std::array kMenuBar = {
+    CommandEntry{"file.new", "&File", "&New", "Ctrl+N", "Create a new Buzz song."},
+    CommandEntry{"file.open", "&File", "&Open...", "Ctrl+O", "Open a Buzz song.\nOpen"},
+    CommandEntry{"file.update", "&File", "&Update", "Ctrl+Shift+O", "Load the song again."},
+    CommandEntry{"file.save", "&File", "&Save", "Ctrl+S", "Save Buzz song.\nSave"},
+    CommandEntry{"file.saveAs", "&File", "Save &As", "", "Save Buzz song with a new name."},
+    CommandEntry{"file.loadDefault", "&File", "&Load Default", "", "Load the default Buzz song."},
+    CommandEntry{"file.saveAsDefault", "&File", "Save As &Default", "", "Save current song as default Buzz song."},
+    CommandEntry{"file.exit", "&File", "E&xit", "Alt+F4", "Exit Tonalmancer.\nExit"},
+
+    CommandEntry{"chords.manager", "&Chords", "&Manager", "F2", "Manage scale and chord types."},
+    CommandEntry{"chords.findChord", "&Chords", "&Find Chord", "", "Search for a chord in the database."},
+    CommandEntry{"chords.findScale", "&Chords", "Find &Scale", "", "Search for a scale in the database."},
+    CommandEntry{"chords.continueSearch", "&Chords", "C&ontinue Search", "F3", "Continue search."},
+    CommandEntry{"chords.generate", "&Chords", "&Generate", "", "Generate a new chord database."},
+    CommandEntry{"chords.createNewList", "&Chords", "&Create New List", "", "Create new chord database/clear current database."},
+    CommandEntry{"chords.load", "&Chords", "&Load", "", "Load a predefined chord database from file."},
+    CommandEntry{"chords.save", "&Chords", "Sa&ve", "", "Save current chord database to file."},
+    CommandEntry{"chords.loadDefault", "&Chords", "Load &Default", "", "Load the default chord database."},
+    CommandEntry{"chords.saveAsDefault", "&Chords", "Save &As Default", "", "Save current chord database as default and keep it up to date."},
+
+    CommandEntry{"part.createBuzzPatterns", "&Part", "Create &Buzz Patterns", "", "Create patterns for the selected Buzz machine.", false, kLater},
+    CommandEntry{"part.createMidiFile", "&Part", "Create &Midi File", "", "Create sequence and save it as midi file.\nCreate midi file", false, kLater},
+    CommandEntry{"part.new", "&Part", "&New Part", "", "Create a new part.\nNew part", false, kLater},
+    CommandEntry{"part.load", "&Part", "&Load Part", "", "Open part from file.\nOpen part", false, kLater},
+    CommandEntry{"part.save", "&Part", "&Save Part", "", "Save current part to file.\nSave part", false, kLater},
+    CommandEntry{"part.loadDefault", "&Part", "Load &Default Part", "", "Replace the current part with the default part.", false, kLater},
+    CommandEntry{"part.saveAsDefault", "&Part", "Save As Defa&ult Part", "", "Load the default part.", false, kLater},
+    CommandEntry{"part.addToPresets", "&Part", "Add &Part To Presets", "", "Add current part to part presets", false, kLater},
+    CommandEntry{"part.addPatternToPresets", "&Part", "Add Pa&ttern To Presets", "", "Add current pattern to pattern presets.", false, kLater},
+
+    CommandEntry{"machines.add", "&Machines", "&Add Machine", "F4", "Add a new machine to the song.", false, kLater},
+    CommandEntry{"machines.scanGear", "&Machines", "&Scan Gear-Directory", "", "Scan all Buzz-machines."},
+    CommandEntry{"machines.scanFile", "&Machines", "Scan Single &File", "", "Scan one machine."},
+
+    CommandEntry{"settings.midi", "&Settings", "&Midi Settings", "", "Change midi settings.", false, kLater},
+
+    CommandEntry{"view.midiSettings", "&View", "&Midi Settings", "", "Show midi settings dialog.", false, kLater},
+    CommandEntry{"view.machineInfo", "&View", "Machine &Info", "", "Show the machine info.", false, kLater},
+    CommandEntry{"view.patternInfo", "&View", "&Pattern Info", "", "Show the patternlist.", false, kLater},
+    CommandEntry{"view.searchInfo", "&View", "&Search Info", "", "Show the search info window."},
+    CommandEntry{"view.mathWindow", "&View", "Math &Window", "", "Show the pattern generator window.", false, kLater},
+
+    CommandEntry{"help.topics", "&?", "&Help Topics", "Ctrl+F1", "Open help.\nHelp"},
+    CommandEntry{"help.about", "&?", "&About", "", "Open help.\nHelp"},
+};
+
+constexpr std::array kKeyAndToolbarOnly = {
+    CommandEntry{"part.play", "", "Play", "F5", "Play part.\nPlay", true, kLater},
+    CommandEntry{"part.stop", "", "Stop", "F8", "Stop playing.\nStop", false, kLater},
+    CommandEntry{"part.playChord", "", "Play Chord", "", "Play single chord.\nPlay chord", true, kLater},
+    CommandEntry{"part.printChordList", "", "Print Chord List", "Ctrl+P", "Print chord list.\nPrint a list with the parts chords", false, kLater},
+    CommandEntry{"part.createBuzzPatternsButton", "", "Create Buzz Patterns", "", "Create Buzz patterns.\nCreate Buzz patterns", false, kLater},
+    CommandEntry{"part.addToPresetsButton", "", "Add Part To Presets", "", "Add current part to part presets.\nAdd part to presets", false, kLater},
+    CommandEntry{"view.showBmx", "", "Show Bmx", "", "Switch machine view.\nShow Bmx"},
+    CommandEntry{"view.showSettings", "", "Show Settings", "", "Switch to settings view.\nShow settings"},
+    CommandEntry{"pattern.new", "", "New Pattern", "Ctrl+Return", "Create a new pattern.", false, kLater},
+    CommandEntry{"pattern.copy", "", "Create Copy Of Pattern", "Ctrl+Shift+Return", "Create a copy of the current pattern.", false, kLater},
+    CommandEntry{"pattern.remove", "", "Remove Pattern", "Ctrl+Shift+Del", "Remove the current pattern.", false, kLater},
+    CommandEntry{"edit.undo", "", "Undo", "Ctrl+Z", "Undo the last change."},
+};
+
+constexpr std::array<std::string_view, 10> kContextMenuNames = {
+    "machineView", "chordTree", "partList", "patternList", "patternPresets", "partPresets",
+    "patternEditor", "settingsView", "chordTypes", "scaleTypes",
+};
+
+constexpr std::array kContextMenus = {
+    // The machines of the open song ("Show Bmx").
+    CommandEntry{"view.showSettings", "machineView", "&Show Settings", "", "Switch to settings view."},
+    CommandEntry{"machine.viewGenerators", "machineView|&View", "&Generators", "Alt+1", "Show the generators only."},
+    CommandEntry{"machine.viewEffects", "machineView|&View", "&Effects", "Alt+2", "Show the effects only."},
+    CommandEntry{"machine.viewSynths", "machineView|&View", "S&ynths", "Alt+3", "Show the synths only."},
+    CommandEntry{"machine.viewSamplers", "machineView|&View", "S&amplers", "Alt+4", "Show the samplers only."},
+    CommandEntry{"machine.viewAll", "machineView|&View", "A&ll", "Alt+5", "Show all machines."},
+    CommandEntry{"machine.notesChart", "machineView|&Info", "&Notes Chart", "", "Chart the notes of the machine's patterns.", false, kLater},
+    CommandEntry{"machine.wavesChart", "machineView|&Info", "&Waves Chart", "", "Chart the waves of the machine's patterns.", false, kLater},
+    CommandEntry{"view.machineInfo", "machineView|&Info", "&Machine Info", "Ctrl+I", "Show the machine info.", false, kLater},
+    CommandEntry{"view.patternInfo", "machineView|&Info", "&Pattern Info", "Ctrl+P", "Show the patternlist.", false, kLater},
+    CommandEntry{"machine.transpose", "machineView|&Transform", "&Transpose", "", "Transpose the machine's patterns.", false, kLater},
+    CommandEntry{"machine.invert", "machineView|&Transform", "&Invert", "", "Mirror the notes of the machine's patterns.", false, kLater},
+    CommandEntry{"machine.remove", "machineView|&Edit", "&Remove", "Del", "Remove the machine from the song.", false, kLater},
+    CommandEntry{"machine.rename", "machineView|&Edit", "Re&name", "Ctrl+R", "Rename the machine.", false, kLater},
+    CommandEntry{"machine.copy", "machineView|&Edit", "&Copy", "Ctrl+C", "Copy the machine's patterns.", false, kLater},
+    CommandEntry{"machine.clone", "machineView|&Edit", "C&lone", "", "Add a copy of the machine.", false, kLater},
+    CommandEntry{"machine.replace", "machineView|&Edit", "Re&place", "", "Replace the machine by another one.", false, kLater},
+    CommandEntry{"machine.removeEmptySequences", "machineView|C&lean", "Remove &Empty Sequences", "", "Remove sequences without events.", false, kLater},
+    CommandEntry{"machine.removeUnusedPatterns", "machineView|C&lean", "Remove &Unused Patterns", "", "Remove patterns that no sequence plays.", false, kLater},
+    CommandEntry{"machines.add", "machineView", "&New", "F4", "Add a new machine to the song.", false, kLater},
+    CommandEntry{"machine.selectAll", "machineView", "Select &All", "Ctrl+A", "Select every machine."},
+
+    // The chord database tree.
+    CommandEntry{"tree.addBase", "chordTree|&Base Group", "Add &Base", "", "Add an empty base group."},
+    CommandEntry{"tree.remove", "chordTree|&Base Group", "&Remove", "Del", "Remove the selected items."},
+    CommandEntry{"tree.rename", "chordTree|&Base Group", "Re&name", "Ctrl+R", "Rename the selected item."},
+    CommandEntry{"tree.generateBase", "chordTree|&Base Group", "&Generate", "", "Generate a base group from the chord types."},
+    CommandEntry{"tree.addScale", "chordTree|&Scale/Group", "Add &Scale", "", "Add a scale group to the selected base group."},
+    CommandEntry{"tree.remove", "chordTree|&Scale/Group", "&Remove", "Del", "Remove the selected items."},
+    CommandEntry{"tree.settings", "chordTree|&Scale/Group", "&Settings", "Ctrl+R", "Change name and notes of the selected item."},
+    CommandEntry{"tree.forbidNotes", "chordTree|&Scale/Group", "->&Forbid Notes", "", "Remove the chords that use forbidden notes."},
+    CommandEntry{"tree.addCollection", "chordTree|C&ollection", "Add &Collection", "", "Add a chord collection to the selected scale group."},
+    CommandEntry{"tree.remove", "chordTree|C&ollection", "&Remove", "Del", "Remove the selected items."},
+    CommandEntry{"tree.settings", "chordTree|C&ollection", "&Settings", "Ctrl+R", "Change name and notes of the selected item."},
+    CommandEntry{"tree.addChordFromList", "chordTree|&Chord|&Add Chord", "From &List", "", "Add a chord made from a chord type."},
+    CommandEntry{"tree.addChordByNotes", "chordTree|&Chord|&Add Chord", "By &Notes", "", "Add a chord given by its notes."},
+    CommandEntry{"tree.remove", "chordTree|&Chord", "&Remove", "Del", "Remove the selected items."},
+    CommandEntry{"tree.settings", "chordTree|&Chord", "&Settings", "Ctrl+R", "Change name and notes of the selected item."},
+    CommandEntry{"tree.copy", "chordTree|&Chord", "&Copy", "Ctrl+C", "Copy the selected chords."},
+    CommandEntry{"tree.cut", "chordTree|&Chord", "Cu&t", "Ctrl+X", "Cut the selected chords."},
+    CommandEntry{"tree.pasteInsert", "chordTree|&Chord", "Paste &Insert", "Ctrl+V", "Insert the copied chords before the selected chord."},
+    CommandEntry{"tree.pasteAppend", "chordTree|&Chord", "Paste &Append", "Ctrl+W", "Append the copied chords to the selected collection."},
+    CommandEntry{"tree.sortUp", "chordTree|S&ort", "&Upwards", "", "Sort the chords upwards by their notes."},
+    CommandEntry{"tree.sortDown", "chordTree|S&ort", "&Downwards", "", "Sort the chords downwards by their notes."},
+    CommandEntry{"chords.generate", "chordTree", "&Generate", "", "Generate a new chord database."},
+    CommandEntry{"edit.undo", "chordTree", "&Undo", "Ctrl+Z", "Undo the last change."},
+
+    // The chords of the current part.
+    CommandEntry{"partList.addChord", "partList", "&Add Chord", "", "Add the selected database chords to the part.", false, kLater},
+    CommandEntry{"partList.chordSettings", "partList", "Chord &Settings", "Ctrl+R", "Change the selected chord.", false, kLater},
+    CommandEntry{"partList.forbidNotes", "partList", "&Forbid Notes", "", "Set the notes the part may not use.", false, kLater},
+    CommandEntry{"partList.viewNames", "partList|&View", "&Names", "", "Show the chords by name.", false, kLater},
+    CommandEntry{"partList.viewNotes", "partList|&View", "N&otes", "", "Show the chords by notes.", false, kLater},
+    CommandEntry{"part.addToPresets", "partList", "Add &Part To Presets", "", "Add current part to part presets", false, kLater},
+    CommandEntry{"partList.replacePreset", "partList", "&Replace Current Preset", "", "Replace the current part preset by the part.", false, kLater},
+    CommandEntry{"partList.copy", "partList", "&Copy", "Ctrl+C", "Copy the selected chords.", false, kLater},
+    CommandEntry{"partList.cut", "partList", "Cu&t", "Ctrl+X", "Cut the selected chords.", false, kLater},
+    CommandEntry{"partList.pasteInsert", "partList", "Paste &Insert", "Ctrl+V", "Insert the copied chords.", false, kLater},
+    CommandEntry{"partList.pasteAppend", "partList", "Paste A&ppend", "Ctrl+W", "Append the copied chords.", false, kLater},
+    CommandEntry{"partList.selectAll", "partList", "Select A&ll", "Ctrl+A", "Select every chord of the part.", false, kLater},
+    CommandEntry{"partList.remove", "partList", "Re&move", "Del", "Remove the selected chords.", false, kLater},
+    CommandEntry{"partList.clear", "partList", "Cl&ear List", "Ctrl+Del", "Remove every chord of the part.", false, kLater},
+    CommandEntry{"partList.sortNameUp", "partList|S&ort|By &Name", "&Upwards", "", "Sort the part's chords by name.", false, kLater},
+    CommandEntry{"partList.sortNameDown", "partList|S&ort|By &Name", "&Downwards", "", "Sort the part's chords by name.", false, kLater},
+    CommandEntry{"partList.sortNotesUp", "partList|S&ort|By N&otes", "&Upwards", "", "Sort the part's chords by notes.", false, kLater},
+    CommandEntry{"partList.sortNotesDown", "partList|S&ort|By N&otes", "&Downwards", "", "Sort the part's chords by notes.", false, kLater},
+    CommandEntry{"partList.normalizeAll", "partList|&Normalize", "&All", "", "Normalize every chord of the part.", false, kLater},
+    CommandEntry{"partList.normalizeSelected", "partList|&Normalize", "&Selected", "", "Normalize the selected chords.", false, kLater},
+    CommandEntry{"partList.normalizeInvert", "partList|&Normalize", "&Invert", "", "Normalize the chords that are not selected.", false, kLater},
+    CommandEntry{"chords.findScale", "partList", "Find Sc&ale", "", "Search for a scale in the database."},
+    CommandEntry{"part.printChordList", "partList", "Print &List", "Ctrl+P", "Print chord list.", false, kLater},
+    CommandEntry{"edit.undo", "partList", "&Undo", "Ctrl+Z", "Undo the last change."},
+
+    // The patterns of the current part.
+    CommandEntry{"pattern.new", "patternList", "&New", "Ctrl+Return", "Create a new pattern.", false, kLater},
+    CommandEntry{"pattern.rename", "patternList", "&Rename", "", "Rename the current pattern.", false, kLater},
+    CommandEntry{"pattern.copy", "patternList", "Create &Copy", "Ctrl+Shift+Return", "Create a copy of the current pattern.", false, kLater},
+    CommandEntry{"pattern.remove", "patternList", "Re&move", "Ctrl+Shift+Del", "Remove the current pattern.", false, kLater},
+    CommandEntry{"pattern.clear", "patternList", "C&lear List", "", "Remove every pattern.", false, kLater},
+    CommandEntry{"part.addPatternToPresets", "patternList", "Add Pattern To &Presets", "", "Add current pattern to pattern presets.", false, kLater},
+    CommandEntry{"pattern.replacePreset", "patternList", "Replace Current Pr&eset", "", "Replace the current pattern preset by the pattern.", false, kLater},
+    CommandEntry{"pattern.addListToPresets", "patternList", "Add List &To Presets", "", "Add every pattern to the pattern presets.", false, kLater},
+
+    // Pattern presets and part presets: two menus of the same shape.
+    CommandEntry{"patternPreset.append", "patternPresets", "&Append", "", "Append the preset.", false, kLater},
+    CommandEntry{"patternPreset.replace", "patternPresets", "&Replace", "", "Replace by the preset.", false, kLater},
+    CommandEntry{"patternPreset.rename", "patternPresets", "Re&name", "", "Rename the preset.", false, kLater},
+    CommandEntry{"patternPreset.remove", "patternPresets", "Re&move", "", "Remove the preset.", false, kLater},
+    CommandEntry{"patternPreset.sortUp", "patternPresets|&Sort", "&Upwards", "", "Sort the presets upwards.", false, kLater},
+    CommandEntry{"patternPreset.sortDown", "patternPresets|&Sort", "&Downwards", "", "Sort the presets downwards.", false, kLater},
+    CommandEntry{"patternPreset.new", "patternPresets", "&New", "", "Start an empty preset list.", false, kLater},
+    CommandEntry{"patternPreset.load", "patternPresets", "&Load", "", "Load presets from file.", false, kLater},
+    CommandEntry{"patternPreset.save", "patternPresets", "Sa&ve", "", "Save the presets to file.", false, kLater},
+    CommandEntry{"patternPreset.loadDefault", "patternPresets", "Load &Default", "", "Load the default presets.", false, kLater},
+    CommandEntry{"patternPreset.saveDefault", "patternPresets", "Save List As De&fault", "", "Save the presets as default.", false, kLater},
+    CommandEntry{"partPreset.append", "partPresets", "&Append", "", "Append the preset.", false, kLater},
+    CommandEntry{"partPreset.replace", "partPresets", "&Replace", "", "Replace by the preset.", false, kLater},
+    CommandEntry{"partPreset.rename", "partPresets", "Re&name", "", "Rename the preset.", false, kLater},
+    CommandEntry{"partPreset.remove", "partPresets", "Re&move", "", "Remove the preset.", false, kLater},
+    CommandEntry{"partPreset.sortUp", "partPresets|&Sort", "&Upwards", "", "Sort the presets upwards.", false, kLater},
+    CommandEntry{"partPreset.sortDown", "partPresets|&Sort", "&Downwards", "", "Sort the presets downwards.", false, kLater},
+    CommandEntry{"partPreset.new", "partPresets", "&New", "", "Start an empty preset list.", false, kLater},
+    CommandEntry{"partPreset.load", "partPresets", "&Load", "", "Load presets from file.", false, kLater},
+    CommandEntry{"partPreset.save", "partPresets", "Sa&ve", "", "Save the presets to file.", false, kLater},
+    CommandEntry{"partPreset.loadDefault", "partPresets", "Load &Default", "", "Load the default presets.", false, kLater},
+    CommandEntry{"partPreset.saveDefault", "partPresets", "Save List As De&fault", "", "Save the presets as default.", false, kLater},
+
+    // The pattern grid. Its last key is shown as the original keyboard labels it.
+    CommandEntry{"patternEditor.copy", "patternEditor", "&Copy", "Ctrl+C", "Copy the selected cells.", false, kLater},
+    CommandEntry{"patternEditor.cut", "patternEditor", "Cu&t", "Ctrl+X", "Cut the selected cells.", false, kLater},
+    CommandEntry{"patternEditor.paste", "patternEditor", "&Paste", "Ctrl+V", "Paste the copied cells.", false, kLater},
+    CommandEntry{"patternEditor.selectAll", "patternEditor", "Select &All", "Ctrl+A", "Select every cell.", false, kLater},
+    CommandEntry{"patternEditor.selectTrack", "patternEditor", "Select T&rack", "Ctrl+Shift+A", "Select the current track.", false, kLater},
+    CommandEntry{"patternEditor.clearSelected", "patternEditor", "C&lear Selected", "Del", "Clear the selected cells.", false, kLater},
+    CommandEntry{"patternEditor.clearPattern", "patternEditor", "Clear Patt&ern", "Ctrl+Entf", "Clear the whole pattern.", false, kLater},
+
+    // The part settings.
+    CommandEntry{"view.showBmx", "settingsView", "Show &Bmx", "", "Switch machine view."},
+    CommandEntry{"settings.reset", "settingsView", "&Reset", "", "Reset the part settings.", false, kLater},
+
+    // The type manager's lists.
+    CommandEntry{"types.removeChord", "chordTypes", "&Remove", "Del", "Remove the selected chord types."},
+    CommandEntry{"types.renameChord", "chordTypes", "&Settings", "Ctrl+R", "Rename the selected chord type."},
+    CommandEntry{"types.addChord", "chordTypes", "&Add", "", "Define a new chord type."},
+    CommandEntry{"types.newChords", "chordTypes", "&New", "", "Start an empty chord type list."},
+    CommandEntry{"types.loadChords", "chordTypes", "&Load", "", "Load chord types from file."},
+    CommandEntry{"types.saveChords", "chordTypes", "Sa&ve", "", "Save the chord types to file."},
+    CommandEntry{"types.loadDefaultChords", "chordTypes", "Load &Default", "", "Restore the default chord types."},
+    CommandEntry{"types.saveDefaultChords", "chordTypes", "Save As De&fault", "", "Save the chord types as default."},
+    CommandEntry{"types.removeScale", "scaleTypes", "&Remove", "Del", "Remove the selected scales."},
+    CommandEntry{"types.renameScale", "scaleTypes", "&Settings", "Ctrl+R", "Rename the selected scale."},
+    CommandEntry{"types.addScale", "scaleTypes", "&Add", "", "Add a scale."},
+    CommandEntry{"types.newScales", "scaleTypes", "&New", "", "Start an empty scale list."},
+    CommandEntry{"types.loadScales", "scaleTypes", "&Load", "", "Load scales from file."},
+    CommandEntry{"types.saveScales", "scaleTypes", "Sa&ve", "", "Save the scales to file."},
+    CommandEntry{"types.loadDefaultScales", "scaleTypes", "Load &Default", "", "Restore the default scales."},
+    CommandEntry{"types.saveDefaultScales", "scaleTypes", "Save As De&fault", "", "Save the scales as default."},
+};
+// clang-format on
+
+template <std::size_t N>
+const CommandEntry* findIn(const std::array<CommandEntry, N>& table, std::string_view id)
+{
+    for (const CommandEntry& entry : table) {
+        if (entry.id == id)
+            return &entry;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::span<const CommandEntry> menuBar()
+{
+    return kMenuBar;
+}
+
+std::span<const CommandEntry> keyAndToolbarOnly()
+{
+    return kKeyAndToolbarOnly;
+}
+
+std::span<const CommandEntry> contextMenus()
+{
+    return kContextMenus;
+}
+
+std::span<const std::string_view> contextMenuNames()
+{
+    return kContextMenuNames;
+}
+
+std::string_view statusPart(std::string_view prompt)
+{
+    return prompt.substr(0, prompt.find('\n'));
+}
+
+std::string_view toolTipPart(std::string_view prompt)
+{
+    const std::size_t lineBreak = prompt.find('\n');
+    return lineBreak == std::string_view::npos ? std::string_view() : prompt.substr(lineBreak + 1);
+}
+
+const CommandEntry* find(std::string_view id)
+{
+    if (const CommandEntry* entry = findIn(kMenuBar, id))
+        return entry;
+    if (const CommandEntry* entry = findIn(kKeyAndToolbarOnly, id))
+        return entry;
+    return findIn(kContextMenus, id);
+}
+
+} // namespace commands

@@ -1,0 +1,121 @@
+// Takes the screenshots of the manual: starts the program as a user would, opens the main window
+// and each dialog in turn, and saves what they show as PNG files into the folder given.
+#include "app/CAboutDialog.h"
+#include "app/CChordTypeDialog.h"
+#include "app/CFindDialog.h"
+#include "app/CGenerateDialog.h"
+#include "app/CIntervalListDialog.h"
+#include "app/CMainFrame.h"
+#include "app/CScaleDialog.h"
+#include "app/CScaleGroupDialog.h"
+#include "app/CSearchInfoWindow.h"
+#include "app/CTonalmancerApp.h"
+#include "app/CTonalmancerView.h"
+#include "app/CTreeCtrlX.h"
+#include "app/CTypeManagerDialog.h"
+#include "app/ChordCollectionModel.h"
+#include "app/MessageBoxes.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QMenu>
+#include <QTest>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+void settle(int ms = 300)
+{
+    QTest::qWait(ms);
+}
+
+bool save(QWidget& widget, const QDir& folder, const QString& name)
+{
+    widget.show();
+    widget.raise();
+    settle();
+    const bool ok = widget.grab().save(folder.filePath(name + QStringLiteral(".png")));
+    std::printf("%s %s\n", ok ? "saved" : "FAILED", qPrintable(name));
+    return ok;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    app::CTonalmancerApp::setApplicationNames();
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() < 2) {
+        std::fprintf(stderr, "Usage: tonalmancer-screenshots OUTPUT_DIR [--data DIR] [SONG.bmx]\n");
+        return 2;
+    }
+    QDir folder(arguments[1]);
+    folder.mkpath(QStringLiteral("."));
+
+    app::CTonalmancerApp tonalmancer;
+    const QStringList startArguments = arguments.mid(2);
+    if (!tonalmancer.start(startArguments, false))
+        return 1;
+    app::CMainFrame& frame = *tonalmancer.mainFrame();
+    app::CTonalmancerView& view = *tonalmancer.view();
+    frame.resize(1400, 860);
+    frame.show();
+    settle(600);
+
+    // The database opened a little, with a chord selected, as after a search.
+    view.findChordWith(
+        {true, false, false, false, true, false, false, true, false, false, false, false},
+        QStringLiteral("maj"), QString());
+    settle();
+    save(frame, folder, QStringLiteral("main-window"));
+
+    QMenu* treeMenu = view.contextMenu("chordTree");
+    treeMenu->popup(view.chordTree()->mapToGlobal(QPoint(120, 120)));
+    settle();
+    save(*treeMenu, folder, QStringLiteral("chord-tree-menu"));
+    treeMenu->hide();
+
+    app::CGenerateDialog generate(QStringLiteral("Generate List"), view.scales(), &frame);
+    save(generate, folder, QStringLiteral("generate-dialog"));
+    app::CFindDialog find(QStringLiteral("Find chord"), view.chordSearch().includeHistory(),
+                          view.chordSearch().skipHistory(), &frame);
+    find.keyboard()->setTicks(
+        {true, false, false, false, true, false, false, true, false, false, false, false});
+    save(find, folder, QStringLiteral("find-chord-dialog"));
+    app::CTypeManagerDialog manager(view.chordTypes(), view.scales(), tonalmancer.dataFolder(),
+                                    &frame);
+    save(manager, folder, QStringLiteral("type-manager"));
+    app::CChordTypeDialog chordType(&frame);
+    save(chordType, folder, QStringLiteral("chord-type-dialog"));
+    app::CScaleDialog scale(&frame);
+    save(scale, folder, QStringLiteral("scale-dialog"));
+    app::CIntervalListDialog intervals(&frame);
+    save(intervals, folder, QStringLiteral("interval-list"));
+    app::CScaleGroupDialog group(QStringLiteral("Add Scale/Group"), view.scales(), &frame);
+    save(group, folder, QStringLiteral("scale-group-dialog"));
+    view.findScaleWith(
+        {true, false, true, false, true, false, false, true, false, false, false, false}, QString(),
+        QString());
+    save(*view.searchInfo(), folder, QStringLiteral("search-info"));
+    // The default song in the machine view; a generator the database does not know is learnt.
+    app::MessageBoxes::setHandler(
+        [](QWidget*, const QString& text, QMessageBox::Icon, QMessageBox::StandardButtons) {
+            std::printf("message: %s\n", qPrintable(text));
+            return QMessageBox::Yes;
+        });
+    if (frame.loadDefaultSong()) {
+        view.showMachineView(true);
+        save(frame, folder, QStringLiteral("machine-view"));
+        view.showMachineView(false);
+    }
+    app::MessageBoxes::setHandler({});
+
+    app::CAboutDialog about(&frame);
+    save(about, folder, QStringLiteral("about"));
+
+    frame.close();
+    return 0;
+}

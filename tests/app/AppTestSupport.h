@@ -1,0 +1,86 @@
+#pragma once
+
+#include "app/CMainFrame.h"
+#include "app/CTonalmancerApp.h"
+#include "app/CTonalmancerDoc.h"
+#include "app/CTonalmancerView.h"
+#include "app/MessageBoxes.h"
+#include "midi/MidiPortList.h"
+
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <memory>
+
+namespace apptest {
+
+/** MIDI outputs for tests: a fixed list of names; opening any fails. */
+class FakePortList : public midi::MidiPortList
+{
+public:
+    explicit FakePortList(std::vector<std::string> names = {}) : m_names(std::move(names)) {}
+    std::vector<std::string> deviceNames() override { return m_names; }
+    std::unique_ptr<midi::MidiOutPort> openPort(unsigned) override { return nullptr; }
+
+private:
+    std::vector<std::string> m_names;
+};
+
+/** Records every message box instead of showing it, answering with queued buttons. */
+class MessageRecorder
+{
+public:
+    MessageRecorder();
+    ~MessageRecorder();
+    MessageRecorder(const MessageRecorder&) = delete;
+    MessageRecorder& operator=(const MessageRecorder&) = delete;
+
+    /** The answer to the next box that offers a choice (Yes when none is queued). */
+    void queueAnswer(QMessageBox::StandardButton answer) { m_answers.push_back(answer); }
+    const QStringList& texts() const { return m_texts; }
+    void clear() { m_texts.clear(); }
+
+private:
+    QStringList m_texts;
+    std::deque<QMessageBox::StandardButton> m_answers;
+};
+
+/** A copy of the shipped data in a temporary folder. */
+class DataFolderCopy
+{
+public:
+    DataFolderCopy();
+    QString path() const { return m_dir.path(); }
+    QString file(const QString& name) const { return m_dir.filePath(name); }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+/** The program started hidden on a copy of the shipped data, with message boxes recorded. */
+class AppFixture : public ::testing::Test
+{
+protected:
+    void SetUp() override { start(); }
+    void TearDown() override { m_app.reset(); }
+
+    /** (Re)starts the program on the same data folder with extra arguments. */
+    bool start(const QStringList& arguments = {});
+
+    app::CMainFrame& frame() { return *m_app->mainFrame(); }
+    app::CTonalmancerView& view() { return *m_app->view(); }
+    app::CTonalmancerDoc& document() { return *m_app->document(); }
+
+    DataFolderCopy m_data;
+    MessageRecorder m_messages;
+    std::unique_ptr<app::CTonalmancerApp> m_app;
+};
+
+/** The shared song corpus, or an empty text (the caller skips). */
+QString songCorpus();
+
+} // namespace apptest

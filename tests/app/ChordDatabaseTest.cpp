@@ -1,0 +1,237 @@
+// The chord database as the tree shows it: generation, edits, undo, files and the tree model.
+#include "AppTestSupport.h"
+
+#include "app/CTreeCtrlX.h"
+#include "app/ChordCollectionModel.h"
+#include "music/ChordDatabaseEdits.h"
+
+#include <QAbstractItemModelTester>
+#include <QCoreApplication>
+#include <QFile>
+#include <QMimeData>
+#include <QUndoStack>
+
+namespace {
+
+using music::ChordCollection;
+using music::ChordDatabaseEdits;
+using music::TreePosition;
+
+constexpr music::ChordDatabaseEdits::Ticks kCMajor = {true,  false, true,  false, true,  true,
+                                                      false, true,  false, true,  false, true};
+
+/** A small collection: group "G" > section "S" > collections "A" (3 chords) and "B" (1). */
+ChordCollection smallCollection()
+{
+    ChordCollection c;
+    music::ChordBaseGroup group{"G", {}};
+    music::ChordSection section;
+    section.name = "S";
+    section.subsections.push_back(
+        {"A",
+         {music::Chord::fromNotes("c", {48, 52, 55}), music::Chord::fromNotes("d", {50, 53, 57}),
+          music::Chord::fromNotes("e", {52, 55, 59})}});
+    section.subsections.push_back({"B", {music::Chord::fromNotes("f", {53, 57, 60})}});
+    group.sections.push_back(section);
+    c.baseGroups().push_back(group);
+    return c;
+}
+
+std::vector<std::string> namesIn(const ChordCollection& c, int subsection)
+{
+    std::vector<std::string> names;
+    for (const auto& chord :
+         c.baseGroups()[0].sections[0].subsections[static_cast<std::size_t>(subsection)].chords)
+        names.push_back(chord.name);
+    return names;
+}
+
+TEST(ChordCollectionModel, PassesTheModelTesterAndMapsPositionsBothWays)
+{
+    ChordCollection c = smallCollection();
+    app::ChordCollectionModel model(c);
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    const TreePosition deep = TreePosition::ofChord(0, 0, 1, 0);
+    const QModelIndex index = model.index(deep);
+    ASSERT_TRUE(index.isValid());
+    EXPECT_EQ(model.position(index), deep);
+    EXPECT_EQ(index.data().toString(), QStringLiteral("f"));
+    EXPECT_EQ(model.index(deep, 1).data().toString(), QStringLiteral("F4 A4 C5"));
+    EXPECT_FALSE(model.index(TreePosition::ofChord(0, 0, 1, 5)).isValid());
+    // Only chords are dragged, and they land on collections and chords.
+    EXPECT_TRUE(model.flags(index) & Qt::ItemIsDragEnabled);
+    EXPECT_FALSE(model.flags(model.index(TreePosition::ofSection(0, 0))) & Qt::ItemIsDragEnabled);
+}
+
+using ChordDatabaseView = apptest::AppFixture;
+
+TEST_F(ChordDatabaseView, StartsWithTheShippedDatabase)
+{
+    EXPECT_FALSE(view().collection().isEmpty());
+    EXPECT_EQ(view().chordModel()->rowCount(),
+              static_cast<int>(view().collection().baseGroups().size()));
+    EXPECT_FALSE(view().chordTypes().isEmpty());
+    EXPECT_FALSE(view().scales().isEmpty());
+}
+
+TEST_F(ChordDatabaseView, GenerateListBuildsBothGroupsAndUndoBringsTheOldDatabaseBack)
+{
+    const ChordCollection before = view().collection();
+    view().generateListWith({});
+    ASSERT_EQ(view().collection().baseGroups().size(), 2u);
+    EXPECT_EQ(view().collection().baseGroups()[0].name, "Sorted by chord");
+    EXPECT_EQ(view().collection().baseGroups()[1].name, "Sorted by note");
+    EXPECT_EQ(view().chordModel()->rowCount(), 2);
+    view().undoStack()->undo();
+    EXPECT_EQ(view().collection().baseGroups(), before.baseGroups());
+    EXPECT_EQ(view().chordModel()->rowCount(), static_cast<int>(before.baseGroups().size()));
+    view().undoStack()->redo();
+    EXPECT_EQ(view().collection().baseGroups().size(), 2u);
+}
+
+TEST_F(ChordDatabaseView, ScaleOptionsLimitTheGeneratedChords)
+{
+    music::ChordDatabaseEdits::GenerateOptions options;
+    options.scale = kCMajor;
+    options.onlyScaleNotes = true;
+    view().generateListWith(options);
+    std::size_t chords = 0;
+    for (const auto& group : view().collection().baseGroups()) {
+        for (const auto& section : group.sections) {
+            for (const auto& sub : section.subsections) {
+                for (const auto& chord : sub.chords) {
+                    ++chords;
+                    EXPECT_TRUE(music::ChordDatabaseEdits::usesOnly(chord, kCMajor)) << chord.name;
+                }
+            }
+        }
+    }
+    EXPECT_GT(chords, 0u);
+
+    options.onlyScaleNotes = false;
+    options.everyNoteInScale = true;
+    options.name = "C major chords";
+    view().generateBaseWith(options);
+    const auto& group = view().collection().baseGroups().back();
+    EXPECT_EQ(group.name, "C major chords");
+    ASSERT_FALSE(group.sections.empty());
+    for (const auto& section : group.sections) {
+        EXPECT_EQ(section.name.find('#'), std::string::npos) << section.name; // roots in C major
+        EXPECT_TRUE(section.scaleFlag);
+    }
+    EXPECT_EQ(
+        view().currentPosition(),
+        TreePosition::ofBaseGroup(static_cast<int>(view().collection().baseGroups().size()) - 1));
+}
+
+TEST_F(ChordDatabaseView, CutAndPasteMoveChordsAndEachStepIsUndoable)
+{
+    view().collection() = smallCollection();
+    view().chordModel()->refresh();
+    const int steps = view().undoStack()->count();
+    view().selectPositions({TreePosition::ofChord(0, 0, 0, 0), TreePosition::ofChord(0, 0, 0, 1)});
+    view().cutChords();
+    EXPECT_EQ(namesIn(view().collection(), 0), (std::vector<std::string>{"e"}));
+    view().selectPosition(TreePosition::ofChord(0, 0, 1, 0));
+    view().pasteChords(false); // insert before "f"
+    EXPECT_EQ(namesIn(view().collection(), 1), (std::vector<std::string>{"c", "d", "f"}));
+    view().selectPosition(TreePosition::ofChord(0, 0, 0, 0));
+    view().pasteChords(true); // append to "A"
+    EXPECT_EQ(namesIn(view().collection(), 0), (std::vector<std::string>{"e", "c", "d"}));
+    EXPECT_EQ(view().undoStack()->count(), steps + 3);
+    view().undoStack()->undo();
+    view().undoStack()->undo();
+    view().undoStack()->undo();
+    EXPECT_EQ(view().collection().baseGroups(), smallCollection().baseGroups());
+}
+
+TEST_F(ChordDatabaseView, RenameInPlaceAndDropsAreUndoableEdits)
+{
+    view().collection() = smallCollection();
+    view().chordModel()->refresh();
+    app::ChordCollectionModel& model = *view().chordModel();
+    ASSERT_TRUE(
+        model.setData(model.index(TreePosition::ofSubsection(0, 0, 1)), QStringLiteral("Bee")));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(view().collection().baseGroups()[0].sections[0].subsections[1].name, "Bee");
+
+    std::unique_ptr<QMimeData> drag(
+        model.mimeData({model.index(TreePosition::ofChord(0, 0, 0, 0))}));
+    // Dropped between the rows of "Bee", before its only chord.
+    model.dropMimeData(drag.get(), Qt::MoveAction, 0, 0,
+                       model.index(TreePosition::ofSubsection(0, 0, 1)));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(namesIn(view().collection(), 1), (std::vector<std::string>{"c", "f"}));
+    view().undoStack()->undo();
+    view().undoStack()->undo();
+    EXPECT_EQ(view().collection().baseGroups(), smallCollection().baseGroups());
+}
+
+TEST_F(ChordDatabaseView, SortsTheChordsOfACollectionByTheirNotes)
+{
+    view().collection() = smallCollection();
+    view().chordModel()->refresh();
+    view().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
+    view().sortChords(false);
+    EXPECT_EQ(namesIn(view().collection(), 0), (std::vector<std::string>{"e", "d", "c"}));
+    view().sortChords(true);
+    EXPECT_EQ(namesIn(view().collection(), 0), (std::vector<std::string>{"c", "d", "e"}));
+}
+
+TEST_F(ChordDatabaseView, BadChordListFilesAreReportedAndLeaveTheDatabaseAsItWas)
+{
+    const ChordCollection before = view().collection();
+    QFile notAList(m_data.file(QStringLiteral("bad.crd")));
+    ASSERT_TRUE(notAList.open(QIODevice::WriteOnly));
+    notAList.write("Not_A_Chord_List\n0\n");
+    notAList.close();
+    struct Case
+    {
+        QString path;
+        QString message;
+    };
+    for (const Case& c : {Case{notAList.fileName(), QStringLiteral("Seems to be no valid file.")},
+                          Case{m_data.file(QStringLiteral("missing.crd")),
+                               QStringLiteral("Error opening file.")}}) {
+        m_messages.clear();
+        EXPECT_FALSE(view().loadChordListFrom(c.path));
+        EXPECT_EQ(m_messages.texts(), QStringList{c.message});
+        EXPECT_EQ(view().collection().baseGroups(), before.baseGroups());
+    }
+}
+
+TEST_F(ChordDatabaseView, SavedListLoadsBackAndTheDefaultIsKeptCurrentAfterSavingIt)
+{
+    view().collection() = smallCollection();
+    const QString path = m_data.file(QStringLiteral("round.crd"));
+    ASSERT_TRUE(view().saveChordListTo(path));
+    view().createNewList();
+    EXPECT_TRUE(view().collection().isEmpty());
+    ASSERT_TRUE(view().loadChordListFrom(path));
+    EXPECT_EQ(view().collection().baseGroups(), smallCollection().baseGroups());
+
+    EXPECT_FALSE(view().keepsDefaultCurrent());
+    view().saveDefaultChordList();
+    EXPECT_TRUE(view().keepsDefaultCurrent());
+    view().addBaseGroup();
+    ChordCollection onDisk;
+    ASSERT_TRUE(onDisk.load(m_data.file(QStringLiteral("default.crd")).toStdString()));
+    EXPECT_EQ(onDisk.baseGroups(), view().collection().baseGroups());
+    EXPECT_EQ(onDisk.baseGroups().back().name, "noname");
+}
+
+TEST_F(ChordDatabaseView, AddingACollectionNeedsAScaleGroupSelected)
+{
+    view().collection() = smallCollection();
+    view().chordModel()->refresh();
+    const int steps = view().undoStack()->count();
+    view().selectPosition(TreePosition::ofBaseGroup(0));
+    view().addCollection(); // a group is no scale group: nothing happens
+    EXPECT_EQ(view().undoStack()->count(), steps);
+    view().selectPosition(TreePosition::ofChord(0, 0, 1, 0));
+    view().addCollection();
+    ASSERT_EQ(view().collection().baseGroups()[0].sections[0].subsections.size(), 3u);
+    EXPECT_EQ(view().collection().baseGroups()[0].sections[0].subsections[2].name, "noname");
+}
+
+} // namespace

@@ -1,0 +1,178 @@
+// The song document through the File commands: open, save, errors and unknown machines.
+#include "AppTestSupport.h"
+
+#include "app/CUnknownMachineDialogs.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+
+namespace {
+
+using Document = apptest::AppFixture;
+
+QByteArray readAll(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+TEST_F(Document, ANewSongIsUntitled)
+{
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+    EXPECT_TRUE(document().path().isEmpty());
+    EXPECT_FALSE(frame().action("file.update")->isEnabled());
+}
+
+TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessages)
+{
+    const QString path = m_data.file(QStringLiteral("notes.bmx"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(400, 'x'));
+    file.close();
+    EXPECT_FALSE(frame().openSong(path));
+    EXPECT_EQ(m_messages.texts(),
+              (QStringList{QStringLiteral("Error:\nno Buzzfile"),
+                           QStringLiteral("Error loading file \n Code:\t666")}));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+}
+
+TEST_F(Document, TheDefaultSongTeachesItsGeneratorAndBecomesTheNewSong)
+{
+    // The shipped default song holds the master and one note-playing generator. A machine
+    // database that does not know the generator offers to learn it from the song.
+    ASSERT_TRUE(QFile::exists(document().defaultSongPath()));
+    m_messages.queueAnswer(QMessageBox::No);
+    const bool knownAlready = frame().loadDefaultSong();
+    if (!knownAlready) {
+        EXPECT_EQ(m_messages.texts().size(), 3); // the question, the reader's text, the code
+        EXPECT_EQ(m_messages.texts().last(), QStringLiteral("Error loading file \n Code:\t26"));
+        m_messages.clear();
+        ASSERT_TRUE(frame().loadDefaultSong()); // this time the question is answered Yes
+    }
+    ASSERT_TRUE(document().hasSong());
+    EXPECT_EQ(document().song()->machineCount(), 2u);
+    EXPECT_TRUE(document().path().isEmpty()); // loaded as a template
+    document().newSong();
+    ASSERT_TRUE(document().hasSong());
+    EXPECT_EQ(document().song()->machines()[1].databaseIndex != song::MachineDatabase::kNotFound,
+              true);
+    view().showMachineView(true);
+    EXPECT_EQ(view().machineList()->topLevelItemCount(), 2);
+}
+
+TEST_F(Document, UnknownMachineWithoutDescriptionAsksForItsDll)
+{
+    const QString corpus = apptest::songCorpus();
+    const QString song = corpus + QStringLiteral("/bm_FSM_Kick_FSM_Kick_Demo.bmx");
+    if (corpus.isEmpty() || !QFile::exists(song))
+        GTEST_SKIP() << "song corpus not found (set TM_SONG_CORPUS)";
+    int asked = 0;
+    app::CUnknownMachineDialogs::setFileChooser([&](QWidget*, const QString& filter) {
+        ++asked;
+        EXPECT_EQ(filter, QStringLiteral("Dynamic Link Library (*.dll);;All Files (*.*)"));
+        return QString(); // the user cancels
+    });
+    EXPECT_FALSE(frame().openSong(song));
+    app::CUnknownMachineDialogs::setFileChooser({});
+    EXPECT_EQ(asked, 1);
+    ASSERT_EQ(m_messages.texts().size(), 2);
+    EXPECT_TRUE(m_messages.texts()[0].startsWith(QStringLiteral("machine unknown\n")));
+    EXPECT_TRUE(m_messages.texts()[0].endsWith(QStringLiteral("please scan your gear-directory")));
+    EXPECT_EQ(m_messages.texts()[1], QStringLiteral("Error loading file \n Code:\t26"));
+}
+
+TEST_F(Document, ARealSongOpensSavesAndReadsBackTheSame)
+{
+    const QString corpus = apptest::songCorpus();
+    const QString source = corpus + QStringLiteral("/buzztrax_buzz1.bmx");
+    if (corpus.isEmpty() || !QFile::exists(source))
+        GTEST_SKIP() << "song corpus not found (set TM_SONG_CORPUS)";
+    ASSERT_TRUE(frame().openSong(source)); // learning its machine is answered Yes
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("buzztrax_buzz1.bmx - Tonalmancer"));
+    const std::size_t machines = document().song()->machineCount();
+    EXPECT_GE(machines, 2u);
+    // The corpus is read-only: save a copy, then save that again in place.
+    const QString copy = m_data.file(QStringLiteral("copy.bmx"));
+    ASSERT_TRUE(frame().saveSongAs(copy));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("copy.bmx - Tonalmancer"));
+    const QByteArray firstSave = readAll(copy);
+    ASSERT_TRUE(frame().reloadSong());
+    EXPECT_EQ(document().song()->machineCount(), machines);
+    ASSERT_TRUE(frame().saveSong());
+    EXPECT_EQ(readAll(copy), firstSave);
+    EXPECT_EQ(readAll(copy).left(4), QByteArray("Buzz"));
+}
+
+TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCode)
+{
+    m_messages.queueAnswer(QMessageBox::Yes);
+    ASSERT_TRUE(frame().loadDefaultSong());
+    m_messages.clear();
+    const QString unwritable = m_data.file(QStringLiteral("no/such/folder/song.bmx"));
+    EXPECT_FALSE(frame().saveSongAs(unwritable));
+    ASSERT_EQ(m_messages.texts().size(), 1);
+    EXPECT_TRUE(m_messages.texts()[0].startsWith(QStringLiteral("Error saving file \n Code:\t")));
+    EXPECT_TRUE(document().hasSong());
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+}
+
+TEST_F(Document, SaveAsDefaultReplacesTheDefaultSongOnly)
+{
+    m_messages.queueAnswer(QMessageBox::Yes);
+    ASSERT_TRUE(frame().loadDefaultSong());
+    const QString defaultPath = document().defaultSongPath();
+    QFile::remove(defaultPath);
+    ASSERT_TRUE(frame().saveSongAsDefault());
+    EXPECT_TRUE(QFile::exists(defaultPath));
+    EXPECT_TRUE(document().path().isEmpty());
+}
+
+} // namespace
+
+namespace {
+
+using MachineScans = apptest::AppFixture;
+
+TEST_F(MachineScans, FilesThatAreNoMachinesAreRefusedWithTheScannersMessage)
+{
+    QTemporaryDir gear;
+    struct Case
+    {
+        const char* folder;
+        const char* expected;
+    };
+    const Case cases[] = {
+        {"plugins", "Error:\nSorry, but the parentfolder must be ..\\effects or ..\\generators"},
+        {"Generators", "Error:\nUnable to load library\nmaybe it is no dynamic link library"},
+    };
+    const QByteArray before = readAll(m_data.file(QStringLiteral("machines.ini")));
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.folder);
+        m_messages.clear();
+        QDir(gear.path()).mkpath(QString::fromLatin1(c.folder));
+        const QString dll = gear.filePath(QString::fromLatin1(c.folder) + QStringLiteral("/x.dll"));
+        QFile file(dll);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("not a library");
+        file.close();
+        EXPECT_FALSE(frame().scanSingleFile(dll));
+        EXPECT_EQ(m_messages.texts(), QStringList{QString::fromLatin1(c.expected)});
+        EXPECT_EQ(readAll(m_data.file(QStringLiteral("machines.ini"))), before);
+    }
+}
+
+TEST_F(MachineScans, AGearFolderScanRebuildsTheDatabaseAndSaysOk)
+{
+    QTemporaryDir gear;
+    QDir(gear.path()).mkpath(QStringLiteral("generators"));
+    QDir(gear.path()).mkpath(QStringLiteral("effects"));
+    ASSERT_TRUE(frame().scanGearDirectory(gear.path()));
+    EXPECT_EQ(m_messages.texts(), QStringList{QStringLiteral("OK")});
+    song::MachineDatabase database;
+    EXPECT_TRUE(database.load(m_data.path().toStdString()));
+}
+
+} // namespace

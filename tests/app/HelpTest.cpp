@@ -1,0 +1,132 @@
+// Help requests, the manual and the About box.
+#include "AppTestSupport.h"
+
+#include "app/CAboutDialog.h"
+#include "app/HelpRouter.h"
+
+#include <QFile>
+#include <QListWidget>
+#include <QTemporaryDir>
+
+namespace {
+
+using app::HelpRouter;
+
+class Help : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QFile page(m_dir.filePath(QStringLiteral("index.html")));
+        ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+        page.write("<h2 id=\"topic-5\">Five</h2><h2 id=\"topic-32773\">Marked</h2>"
+                   "<h2 id=\"topic-9\">Nine</h2>");
+        page.close();
+        HelpRouter::setUrlOpener([this](const QUrl& url) {
+            m_opened << url;
+            return true;
+        });
+    }
+    void TearDown() override { HelpRouter::setUrlOpener({}); }
+
+    QTemporaryDir m_dir;
+    apptest::MessageRecorder m_messages;
+    QList<QUrl> m_opened;
+};
+
+TEST_F(Help, RequestsItCannotServeAreAnsweredWithFixedMessages)
+{
+    HelpRouter help(m_dir.filePath(QStringLiteral("index.html")));
+    const std::pair<unsigned, const char*> cases[] = {
+        {HelpRouter::kCommand, "APP::HELP_COMMAND not available"},
+        {HelpRouter::kHelpOnHelp, "APP::HELP_HELPONHELP not available"},
+        {HelpRouter::kSetIndex, "APP::HELP_SETINDEX not available"},
+    };
+    for (const auto& [command, text] : cases)
+        EXPECT_EQ(help.request(nullptr, command), QString::fromLatin1(text));
+    EXPECT_EQ(m_messages.texts().size(), 3);
+    EXPECT_TRUE(m_opened.isEmpty());
+}
+
+TEST_F(Help, WithoutAManualNothingIsShown)
+{
+    HelpRouter none;
+    EXPECT_FALSE(none.isAvailable());
+    for (const unsigned command : {1u, 4u, 5u, 258u, 515u})
+        EXPECT_TRUE(none.request(nullptr, command, 5).isEmpty());
+    EXPECT_FALSE(none.openTopics());
+    EXPECT_TRUE(m_messages.texts().isEmpty());
+    EXPECT_TRUE(m_opened.isEmpty());
+}
+
+TEST_F(Help, ContextNumbersOpenTheirTopicTryingBit15Cleared)
+{
+    HelpRouter help(m_dir.filePath(QStringLiteral("index.html")));
+    const std::pair<unsigned, const char*> cases[] = {
+        {5, "topic-5"},
+        {0x8000 | 9, "topic-9"}, // bit 15 cleared first, and found
+        {0x8000 | 5, "topic-5"}, // found cleared even though the marked one exists
+        {0x8000 | 7, ""},        // neither: the first page
+        {12, ""},
+    };
+    for (const auto& [context, fragment] : cases) {
+        SCOPED_TRACE(context);
+        m_opened.clear();
+        help.request(nullptr, HelpRouter::kContext, context);
+        ASSERT_EQ(m_opened.size(), 1);
+        EXPECT_EQ(m_opened.front().fragment(), QString::fromLatin1(fragment));
+        EXPECT_TRUE(m_opened.front().isLocalFile());
+    }
+}
+
+TEST(HelpWindowRect, ConvertsThousandTwentyFourthsOfTheScreen)
+{
+    struct Case
+    {
+        QSize screen;
+        HelpRouter::RelativeRect rect;
+        QRect expected;
+    };
+    const Case cases[] = {
+        {{1024, 768}, {0, 0, 1024, 1024}, {0, 0, 1024, 768}},
+        {{1920, 1080}, {512, 256, 256, 512}, {960, 270, 480, 540}},
+        {{1600, 1000}, {1, 1, 1, 1}, {1, 0, 1, 0}}, // integer division truncates
+        {{100000, 100000}, {1024, 1024, 1024, 1024}, {100000, 100000, 100000, 100000}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(HelpRouter::windowRectFromRelative(c.screen, c.rect), c.expected);
+}
+
+TEST_F(Help, WindowPositionRequestsAreKeptForTheNextHelpWindow)
+{
+    HelpRouter help(m_dir.filePath(QStringLiteral("index.html")));
+    EXPECT_TRUE(help.windowRect().isNull());
+    help.request(nullptr, HelpRouter::kSetWindowPosition, 0, {0, 0, 512, 512});
+    EXPECT_FALSE(help.windowRect().isNull());
+    EXPECT_EQ(help.windowRect().topLeft(), QPoint(0, 0));
+    EXPECT_TRUE(m_opened.isEmpty());
+}
+
+TEST(AboutBox, ShowsItsLinesInOneColumn)
+{
+    const QStringList lines = app::CAboutDialog::lines();
+    ASSERT_EQ(lines.size(), 7);
+    EXPECT_EQ(lines[0], QStringLiteral("         Tonalmancer v0.7"));
+    EXPECT_TRUE(lines[1].isEmpty());
+    EXPECT_FALSE(lines[2].isEmpty());
+    EXPECT_FALSE(lines[3].isEmpty());
+    EXPECT_EQ(lines[4], QString(57, QLatin1Char('-')));
+    EXPECT_EQ(lines[5], QStringLiteral("use this program on your own risk"));
+    EXPECT_TRUE(lines[6].isEmpty());
+    app::CAboutDialog dialog;
+    EXPECT_EQ(dialog.list()->count(), 7);
+}
+
+TEST(Manual, IsShippedBesideTheProgram)
+{
+    const QString manual = HelpRouter::findManual(QStringLiteral(TM_BINARY_DIR "/bin"));
+    ASSERT_FALSE(manual.isEmpty());
+    EXPECT_TRUE(manual.endsWith(QStringLiteral("docs/index.html")));
+}
+
+} // namespace

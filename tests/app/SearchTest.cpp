@@ -1,0 +1,192 @@
+// Find chord, Continue Search and Find scale as seen in the tree and the search info window.
+#include "AppTestSupport.h"
+
+#include "app/CFindDialog.h"
+#include "app/CSearchInfoWindow.h"
+#include "app/CTreeCtrlX.h"
+#include "app/ChordCollectionModel.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QListWidget>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+using music::TreePosition;
+using Ticks = music::SearchCriteria::Ticks;
+
+Ticks ticksOf(std::initializer_list<int> pitchClasses)
+{
+    Ticks ticks{};
+    for (const int p : pitchClasses)
+        ticks[static_cast<std::size_t>(p)] = true;
+    return ticks;
+}
+
+/** Group "G": scale group "C major" {maj, maj7, m}, plain section "Other" {Cmaj9}. */
+music::ChordCollection searchCollection()
+{
+    music::ChordCollection c;
+    music::ChordSection scale;
+    scale.name = "C major";
+    scale.scaleFlag = true;
+    scale.notes = {0, 2, 4, 5, 7, 9, 11};
+    scale.subsections.push_back({"triads",
+                                 {music::Chord::fromNotes("Cmaj", {48, 52, 55}),
+                                  music::Chord::fromNotes("Cmaj7", {48, 52, 55, 59}),
+                                  music::Chord::fromNotes("Am", {57, 60, 64})}});
+    music::ChordSection other;
+    other.name = "Other";
+    other.subsections.push_back({"x", {music::Chord::fromNotes("Cmaj9", {36, 40, 43, 47, 50})}});
+    c.baseGroups().push_back({"G", {scale, other}});
+    return c;
+}
+
+class Search : public apptest::AppFixture
+{
+protected:
+    void SetUp() override
+    {
+        AppFixture::SetUp();
+        view().collection() = searchCollection();
+        view().chordModel()->refresh();
+    }
+};
+
+TEST_F(Search, FindChordSelectsTheFirstHitInWalkOrder)
+{
+    struct Case
+    {
+        const char* what;
+        Ticks ticks;
+        const char* include;
+        const char* skip;
+        TreePosition expected;
+    };
+    const Case cases[] = {
+        {"C E G in any octave", ticksOf({0, 4, 7}), "", "", TreePosition::ofChord(0, 0, 0, 0)},
+        {"include maj, skip 7", {}, "Maj", "7", TreePosition::ofChord(0, 0, 0, 0)},
+        {"skip maj", {}, "", "MAJ", TreePosition::ofChord(0, 0, 0, 2)},
+        {"notes across octaves", ticksOf({2, 11}), "", "", TreePosition::ofChord(0, 1, 0, 0)},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        view().chordTree()->clearSelection();
+        view().chordTree()->setCurrentIndex({});
+        view().findChordWith(c.ticks, QString::fromLatin1(c.include), QString::fromLatin1(c.skip));
+        EXPECT_EQ(view().currentPosition(), c.expected);
+    }
+}
+
+TEST_F(Search, NoHitLeavesTheSelectionAsItWas)
+{
+    view().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
+    view().findChordWith(ticksOf({1}), QString(), QString());
+    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
+    // The only hit is selected already: nothing new is selected.
+    view().selectPosition(TreePosition::ofChord(0, 0, 0, 2));
+    view().findChordWith({}, QStringLiteral("am"), QString());
+    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 2));
+}
+
+TEST_F(Search, ContinueSearchMovesOnAndWrapsAround)
+{
+    view().continueSearch(); // before any search: nothing happens
+    EXPECT_FALSE(view().currentPosition().has_value());
+    view().findChordWith({}, QStringLiteral("maj"), QString());
+    std::vector<TreePosition> visited{*view().currentPosition()};
+    for (int i = 0; i < 3; ++i) {
+        view().continueSearch();
+        visited.push_back(*view().currentPosition());
+    }
+    EXPECT_EQ(visited, (std::vector<TreePosition>{
+                           TreePosition::ofChord(0, 0, 0, 0), TreePosition::ofChord(0, 0, 0, 1),
+                           TreePosition::ofChord(0, 1, 0, 0), TreePosition::ofChord(0, 0, 0, 0)}));
+    // F3 reaches it as the menu command does.
+    EXPECT_EQ(frame().action("chords.continueSearch")->shortcut(), QKeySequence(Qt::Key_F3));
+    frame().action("chords.continueSearch")->trigger();
+    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
+}
+
+TEST_F(Search, FindScaleListsTheMatchingScaleGroups)
+{
+    view().findScaleWith(ticksOf({0, 4, 7}), QString(), QString());
+    EXPECT_EQ(view().searchInfo()->results(), QStringList{QStringLiteral("C major")});
+    EXPECT_EQ(view().currentPosition(), TreePosition::ofSection(0, 0));
+    // Without notes a section without scale notes matches too; the list is emptied first.
+    view().findScaleWith({}, QString(), QString());
+    EXPECT_EQ(view().searchInfo()->results(),
+              (QStringList{QStringLiteral("C major"), QStringLiteral("Other")}));
+    view().findScaleWith(ticksOf({1}), QString(), QString());
+    EXPECT_TRUE(view().searchInfo()->results().isEmpty());
+    EXPECT_EQ(view().searchInfo()->list()->toolTip(),
+              QStringLiteral("List of scales, matching the search parameters."));
+}
+
+TEST_F(Search, TextsEnteredInTheDialogFillTheHistoryOnce)
+{
+    // The dialog is answered as a user would: the include text typed twice, in two spellings.
+    for (const char* text : {"Maj", "mAJ"}) {
+        QTimer::singleShot(0, [text] {
+            auto* dialog = qobject_cast<app::CFindDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Find chord"));
+            EXPECT_EQ(dialog->includeBox()->toolTip(),
+                      QStringLiteral("Find chords/scales including this text."));
+            EXPECT_EQ(dialog->skipBox()->toolTip(),
+                      QStringLiteral("Skip, if text is part of the chords name."));
+            dialog->includeBox()->setEditText(QString::fromLatin1(text));
+            dialog->accept();
+        });
+        view().findChord();
+    }
+    EXPECT_EQ(view().chordSearch().includeHistory().entries(), std::vector<std::string>{"maj"});
+    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
+
+    // The next dialog offers the history in its drop-down.
+    QTimer::singleShot(0, [] {
+        auto* dialog = qobject_cast<app::CFindDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->includeBox()->count(), 1);
+        EXPECT_EQ(dialog->includeBox()->itemText(0), QStringLiteral("maj"));
+        EXPECT_TRUE(dialog->includeBox()->currentText().isEmpty());
+        dialog->reject();
+    });
+    view().findChord();
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(Search, KeysWorkInTheShownWindow)
+{
+    frame().show();
+    frame().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+    view().chordTree()->setFocus();
+    view().findChordWith({}, QStringLiteral("maj"), QString());
+    ASSERT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 0));
+
+    QTest::keyClick(view().chordTree(), Qt::Key_F3);
+    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
+
+    // Del removes the selected chord from the tree, Ctrl+Z brings it back.
+    QTest::keyClick(view().chordTree(), Qt::Key_Delete);
+    EXPECT_EQ(view().collection().baseGroups()[0].sections[0].subsections[0].chords.size(), 2u);
+    QTest::keyClick(view().chordTree(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(view().collection().baseGroups()[0].sections[0].subsections[0].chords.size(), 3u);
+
+    // Ctrl+C and Ctrl+W copy a chord to the end of its collection.
+    view().selectPosition(TreePosition::ofChord(0, 0, 0, 0));
+    QTest::keyClick(view().chordTree(), Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(view().chordTree(), Qt::Key_W, Qt::ControlModifier);
+    const auto& chords = view().collection().baseGroups()[0].sections[0].subsections[0].chords;
+    ASSERT_EQ(chords.size(), 4u);
+    EXPECT_EQ(chords.back().name, "Cmaj");
+    frame().hide();
+}
+
+} // namespace

@@ -1,0 +1,196 @@
+// The chord and scale type manager: its lists, the validation of new types and its files.
+#include "AppTestSupport.h"
+
+#include "app/CChordTypeDialog.h"
+#include "app/CIntervalListDialog.h"
+#include "app/CScaleDialog.h"
+#include "app/CTypeManagerDialog.h"
+
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QTreeWidget>
+
+namespace {
+
+class TypeManager : public apptest::AppFixture
+{
+protected:
+    void SetUp() override
+    {
+        AppFixture::SetUp();
+        m_manager = std::make_unique<app::CTypeManagerDialog>(view().chordTypes(), view().scales(),
+                                                              m_app->dataFolder(), &frame());
+    }
+    void TearDown() override
+    {
+        m_manager.reset();
+        AppFixture::TearDown();
+    }
+
+    std::unique_ptr<app::CTypeManagerDialog> m_manager;
+};
+
+QStringList headers(const QTreeWidget* list)
+{
+    QStringList labels;
+    for (int column = 0; column < list->columnCount(); ++column)
+        labels << list->headerItem()->text(column);
+    return labels;
+}
+
+TEST_F(TypeManager, ListsTheDefaultTypesUnderTheirHeadings)
+{
+    EXPECT_EQ(headers(m_manager->chordList()),
+              (QStringList{QStringLiteral("Chord"), QStringLiteral("Construction")}));
+    EXPECT_EQ(headers(m_manager->scaleList()), QStringList{QStringLiteral("Scale")});
+    EXPECT_EQ(m_manager->chordList()->topLevelItemCount(), view().chordTypes().count());
+    EXPECT_EQ(m_manager->scaleList()->topLevelItemCount(), view().scales().count());
+    EXPECT_GT(view().chordTypes().count(), 0);
+    EXPECT_TRUE(m_messages.texts().isEmpty());
+}
+
+TEST_F(TypeManager, AnInvalidConstructionAsksAgainWithTheInputKept)
+{
+    const int before = view().chordTypes().count();
+    QStringList seenInputs;
+    const QStringList answers = {QStringLiteral("1,b3,5;"), QStringLiteral("1;;"),
+                                 QStringLiteral("1; b3; 5;")};
+    int round = 0;
+    const bool added = m_manager->addChordType([&](app::CChordTypeDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Define New Chord Type"));
+        seenInputs << dialog.construction();
+        dialog.setName(QStringLiteral("m"));
+        dialog.setConstruction(answers[round++]);
+        return true;
+    });
+    EXPECT_TRUE(added);
+    EXPECT_EQ(m_messages.texts(), (QStringList{QStringLiteral("No valid construction string"),
+                                               QStringLiteral("No valid construction string")}));
+    EXPECT_EQ(seenInputs, (QStringList{QString(), answers[0], answers[1]}));
+    ASSERT_EQ(view().chordTypes().count(), before + 1);
+    EXPECT_EQ(view().chordTypes().types().back().construction(), "1;b3;5;");
+    EXPECT_EQ(m_manager->chordList()->topLevelItem(before)->text(1), QStringLiteral("1;b3;5;"));
+}
+
+TEST_F(TypeManager, CancellingAddsNothing)
+{
+    const int before = view().chordTypes().count();
+    int asked = 0;
+    EXPECT_FALSE(m_manager->addChordType([&](app::CChordTypeDialog& dialog) {
+        dialog.setConstruction(QStringLiteral("nonsense"));
+        return ++asked == 1; // OK once (refused), then Cancel
+    }));
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(view().chordTypes().count(), before);
+}
+
+TEST_F(TypeManager, ScalePatternsAreCheckedWhenAdded)
+{
+    struct Case
+    {
+        const char* pattern;
+        bool accepted;
+        const char* stored;
+    };
+    const Case cases[] = {
+        {"xoxxoxoxxoxo", true, "xoxxoxoxxoxo"},     {"XOXXOXOXXOXO", true, "xoxxoxoxxoxo"},
+        {"xoxxoxoxxoxoxo", true, "xoxxoxoxxoxoxo"}, {"xoxxoxoxxox", false, nullptr},
+        {"xoxxo xoxxoxo", false, nullptr},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.pattern);
+        m_messages.clear();
+        const int before = view().scales().count();
+        const bool added = m_manager->addScale([&](app::CScaleDialog& dialog) {
+            EXPECT_EQ(dialog.pattern(), QStringLiteral("oooooooooooo"));
+            EXPECT_EQ(dialog.name(), QStringLiteral("noname"));
+            dialog.setPattern(QString::fromLatin1(c.pattern));
+            return true;
+        });
+        EXPECT_EQ(added, c.accepted);
+        if (c.accepted) {
+            EXPECT_TRUE(m_messages.texts().isEmpty());
+            EXPECT_EQ(view().scales().scales().back().pattern(), c.stored);
+            EXPECT_EQ(m_manager->scaleList()->currentItem(),
+                      m_manager->scaleList()->topLevelItem(before));
+        } else {
+            EXPECT_EQ(m_messages.texts(), QStringList{QStringLiteral("Error in String")});
+            EXPECT_EQ(view().scales().count(), before);
+        }
+    }
+}
+
+TEST_F(TypeManager, KeepingTheDefaultCurrentSavesTheScalesAtOnce)
+{
+    m_manager->addScale([](app::CScaleDialog& dialog) {
+        dialog.setName(QStringLiteral("whole tone"));
+        dialog.setPattern(QStringLiteral("xoxoxoxoxoxo"));
+        dialog.setKeepDefaultCurrent(true);
+        return true;
+    });
+    music::ScaleList onDisk;
+    ASSERT_TRUE(onDisk.load(m_data.file(QStringLiteral("default.scl")).toStdString()));
+    ASSERT_NE(onDisk.find("whole tone"), nullptr);
+    EXPECT_EQ(onDisk.find("whole tone")->pattern(), "xoxoxoxoxoxo");
+}
+
+TEST_F(TypeManager, LearnsFromASampleChordAndScale)
+{
+    app::CChordTypeDialog chord;
+    chord.baseBox()->setCurrentIndex(2); // D
+    for (const int p : {2, 5, 9, 0})     // D F A C
+        chord.keyboard()->setTicked(p, true);
+    chord.learn();
+    EXPECT_EQ(chord.construction(), QStringLiteral("1;b3;5;b7;"));
+
+    app::CScaleDialog scale;
+    scale.baseBox()->setCurrentIndex(9); // A natural minor: the white keys
+    for (const int p : {0, 2, 4, 5, 7, 9, 11})
+        scale.keyboard()->setTicked(p, true);
+    scale.learn();
+    EXPECT_EQ(scale.pattern(), QStringLiteral("xoxxoxoxxoxo"));
+    EXPECT_EQ(scale.patternEdit()->toolTip(),
+              QStringLiteral("Enter string for construction. 12 letters(notes). x-on, o-off."));
+}
+
+TEST_F(TypeManager, FileErrorsShowTheMessagesOfEachList)
+{
+    QFile bad(m_data.file(QStringLiteral("bad.lst")));
+    ASSERT_TRUE(bad.open(QIODevice::WriteOnly));
+    bad.write("Something else\n1\nx\ny\n");
+    bad.close();
+    EXPECT_FALSE(m_manager->loadScales(bad.fileName()));
+    EXPECT_FALSE(m_manager->loadChordTypes(bad.fileName()));
+    EXPECT_FALSE(m_manager->loadScales(m_data.file(QStringLiteral("none.scl"))));
+    EXPECT_EQ(m_messages.texts(), (QStringList{QStringLiteral("Seems to be no valid file"),
+                                               QStringLiteral("Seems to be no valid file."),
+                                               QStringLiteral("Error opening file")}));
+}
+
+TEST_F(TypeManager, RenameAndRemoveChangeTheLists)
+{
+    const int before = view().chordTypes().count();
+    m_manager->chordList()->topLevelItem(0)->setText(0, QStringLiteral("renamed"));
+    EXPECT_EQ(view().chordTypes().at(0).name(), "renamed");
+    m_manager->chordList()->topLevelItem(0)->setSelected(true);
+    m_manager->chordList()->topLevelItem(1)->setSelected(true);
+    m_manager->removeChordTypes();
+    EXPECT_EQ(view().chordTypes().count(), before - 2);
+    EXPECT_EQ(m_manager->chordList()->topLevelItemCount(), before - 2);
+}
+
+TEST(IntervalList, ShowsTheTwentyTwoIntervalsInThreeColumns)
+{
+    app::CIntervalListDialog dialog;
+    const QTreeWidget* list = dialog.list();
+    EXPECT_EQ(headers(list), (QStringList{QStringLiteral("HS"), QStringLiteral("Symbol"),
+                                          QStringLiteral("Name")}));
+    ASSERT_EQ(list->topLevelItemCount(), 22);
+    EXPECT_EQ(list->topLevelItem(15)->text(1), QStringLiteral("#9th"));
+    EXPECT_EQ(list->topLevelItem(21)->text(2), QStringLiteral("13th"));
+    EXPECT_EQ(list->toolTip(),
+              QStringLiteral("Show list of intervals with symbols used by Tonalmancer."));
+}
+
+} // namespace
