@@ -52,6 +52,7 @@ struct Command
     std::size_t minPositionals = 0;
     std::size_t maxPositionals = 0;
     std::function<int(const Arguments&, Context&)> run;
+    std::string details = {}; // more about the command and its output, for COMMAND --help
 };
 
 // Each area of the program registers its commands in a file of its own.

@@ -175,7 +175,7 @@ void registerMachineCommands(std::vector<Command>& commands)
 {
     commands.push_back({"learn-machines",
                         "SONG",
-                        "add every machine of SONG that machines.ini lacks, from the song's own "
+                        "Add every machine of SONG that machines.ini lacks, from the song's own "
                         "parameter descriptions",
                         {},
                         1,
@@ -183,21 +183,21 @@ void registerMachineCommands(std::vector<Command>& commands)
                         runLearnMachines});
     commands.push_back({"scan-gear",
                         "GEAR_DIR [--list]",
-                        "rebuild machines.ini from the DLLs of GEAR_DIR/generators and /effects",
+                        "Rebuild machines.ini from the DLLs of GEAR_DIR/generators and /effects",
                         {{"list", false, false}},
                         1,
                         1,
                         runScanGear});
     commands.push_back({"scan-dll",
                         "FILE.dll",
-                        "add one machine DLL (in a generators or effects folder) to machines.ini",
+                        "Add one machine DLL (in a generators or effects folder) to machines.ini",
                         {},
                         1,
                         1,
                         runScanDll});
     commands.push_back({"dll-info",
                         "FILE.dll [--ini]",
-                        "show the machine description of a DLL without changing anything",
+                        "Show the machine description of a DLL without changing anything",
                         {{"ini", false, false}},
                         1,
                         1,

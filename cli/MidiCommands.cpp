@@ -72,14 +72,14 @@ void registerMidiCommands(std::vector<Command>& commands)
         std::string("--part FILE.prt -o OUT.mid [--bpm N] [--tpb N] [--channel 0..15] "
                     "[--velocity 1..128] [--write-bpm] [--range FIRST,LAST] ") +
             partOptionsSynopsis(),
-        "Writes the part as a Standard MIDI file (format 1: a tempo track and a note track). "
-        "Tempo defaults to the part's own, velocity to 80; channel and chord indices count "
-        "from 0; --range limits the chords written (default: all); --write-bpm stores the "
-        "tempo. Prints nothing on success.",
+        "Write a part as a Standard MIDI file",
         std::move(options),
         0,
         0,
         runMidi,
+        "Format 1 with a tempo track and a note track. Tempo defaults to the part's own,\n"
+        "velocity to 80; channel and chord indices count from 0; --range limits the chords\n"
+        "written (default: all); --write-bpm stores the tempo. Prints nothing on success.",
     });
 }
 

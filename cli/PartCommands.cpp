@@ -116,32 +116,32 @@ void registerPartCommands(std::vector<Command>& commands)
     commands.push_back(
         {"part-info",
          "FILE.prt",
-         "Shows a part file: lines \"bpm\", \"tpb\", \"base octave\", \"current pattern\", "
-         "\"selection\" (first and last, or none), \"flags\" (twelve, C..B), each as "
-         "name<TAB>value; \"patterns<TAB>N\" then \"pattern<TAB>index<TAB>name<TAB>used cells\"; "
-         "\"chords<TAB>N\" then \"index<TAB>name<TAB>pattern<TAB>length<TAB>notes\".",
+         "Show a part: tempo, base octave, flags, patterns and chords",
          {},
          1,
          1,
-         runPartInfo});
+         runPartInfo,
+         "Lines \"bpm\", \"tpb\", \"base octave\", \"current pattern\", \"selection\" (first\n"
+         "and last, or none) and \"flags\" (twelve, C..B), each as name<TAB>value; then\n"
+         "patterns<TAB>N and one pattern<TAB>index<TAB>name<TAB>used cells line each; then\n"
+         "chords<TAB>N and one index<TAB>name<TAB>pattern<TAB>length<TAB>notes line each."});
 
     std::vector<OptionSpec> renderOptions = partOptionSpecs();
     renderOptions.push_back({"part", true, false});
-    commands.push_back(
-        {"render", std::string("--part FILE.prt ") + partOptionsSynopsis(),
-         "Renders every row of every chord of a part through its pattern: one line per event, "
-         "\"chord<TAB>row<TAB>track<TAB>on<TAB>note\" or \"chord<TAB>row<TAB>track<TAB>off\" "
-         "(tracks from 0).",
-         renderOptions, 0, 0, runRender});
+    commands.push_back({"render", std::string("--part FILE.prt ") + partOptionsSynopsis(),
+                        "Print the note events every row of every chord of a part yields",
+                        renderOptions, 0, 0, runRender,
+                        "One line per event: chord<TAB>row<TAB>track<TAB>on<TAB>note or\n"
+                        "chord<TAB>row<TAB>track<TAB>off (tracks counted from 0)."});
 
     commands.push_back({"presets",
                         "FILE.ppr|FILE.spr",
-                        "Lists the names of the presets in a part or pattern preset file, one a "
-                        "line (the kind is told by the file's first line).",
+                        "List the presets of a part or pattern preset file",
                         {},
                         1,
                         1,
-                        runPresets});
+                        runPresets,
+                        "One name a line; the kind of file is told by its first line."});
 }
 
 } // namespace cli

@@ -196,7 +196,7 @@ void registerPlayCommands(std::vector<Command>& commands)
 {
     commands.push_back({"devices",
                         "",
-                        "list the MIDI output devices: number<TAB>name (the built-in synth first)",
+                        "List the MIDI output devices: number<TAB>name (the built-in synth first)",
                         {},
                         0,
                         0,
@@ -213,7 +213,7 @@ void registerPlayCommands(std::vector<Command>& commands)
          std::string("--part FILE.prt [--device N|NAME] [--single-chord N] [--bpm N] [--tpb N] "
                      "[--channel N] [--port N] [--program N] [--velocity N] [--print-messages] ") +
              partOptionsSynopsis(),
-         "play a part (or one chord of it) through a MIDI output device; Ctrl+C stops", playOptions,
+         "Play a part (or one chord of it) through a MIDI output device; Ctrl+C stops", playOptions,
          0, 0, runPlay});
 }
 

@@ -61,6 +61,8 @@ void printCommandUsage(std::ostream& out, const Command& c)
     if (!c.synopsis.empty())
         out << ' ' << c.synopsis;
     out << " [--data DIR]\n" << c.summary << '\n';
+    if (!c.details.empty())
+        out << '\n' << c.details << '\n';
 }
 
 } // namespace
