@@ -39,28 +39,56 @@ TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessages)
     EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
 }
 
-TEST_F(Document, TheDefaultSongTeachesItsGeneratorAndBecomesTheNewSong)
+TEST_F(Document, TheDefaultSongOpensWithoutQuestionsAndBecomesTheNewSong)
 {
-    // The shipped default song holds the master and one note-playing generator. A machine
-    // database that does not know the generator offers to learn it from the song.
+    // The shipped default song holds the master and one polyphonic generator that the shipped
+    // machine database knows: loading it asks nothing.
     ASSERT_TRUE(QFile::exists(document().defaultSongPath()));
-    m_messages.queueAnswer(QMessageBox::No);
-    const bool knownAlready = frame().loadDefaultSong();
-    if (!knownAlready) {
-        EXPECT_EQ(m_messages.texts().size(), 3); // the question, the reader's text, the code
-        EXPECT_EQ(m_messages.texts().last(), QStringLiteral("Error loading file \n Code:\t26"));
-        m_messages.clear();
-        ASSERT_TRUE(frame().loadDefaultSong()); // this time the question is answered Yes
-    }
+    ASSERT_TRUE(frame().loadDefaultSong());
+    EXPECT_TRUE(m_messages.texts().isEmpty())
+        << m_messages.texts().join(QLatin1Char('|')).toStdString();
     ASSERT_TRUE(document().hasSong());
     EXPECT_EQ(document().song()->machineCount(), 2u);
     EXPECT_TRUE(document().path().isEmpty()); // loaded as a template
     document().newSong();
     ASSERT_TRUE(document().hasSong());
-    EXPECT_EQ(document().song()->machines()[1].databaseIndex != song::MachineDatabase::kNotFound,
-              true);
+    EXPECT_EQ(document().song()->machines()[1].dllName, "MadBrain's Dynamite 6");
+    EXPECT_NE(document().song()->machines()[1].databaseIndex, song::MachineDatabase::kNotFound);
     view().showMachineView(true);
     EXPECT_EQ(view().machineList()->topLevelItemCount(), 2);
+}
+
+TEST_F(Document, AnUnknownGeneratorIsLearntFromTheSongOnlyWhenTheUserAgrees)
+{
+    // The default song with its generator's DLL renamed (same length, so every offset holds):
+    // the database does not know it, but the song describes its parameters.
+    QByteArray bytes = readAll(document().defaultSongPath());
+    ASSERT_TRUE(bytes.contains("MadBrain's Dynamite 6"));
+    bytes.replace("MadBrain's Dynamite 6", "NoSuchMach Dynamite 6");
+    const QString path = m_data.file(QStringLiteral("unknown.bmx"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    file.close();
+    const QByteArray databaseBefore = readAll(m_data.file(QStringLiteral("machines.ini")));
+
+    m_messages.queueAnswer(QMessageBox::No);
+    EXPECT_FALSE(frame().openSong(path));
+    ASSERT_EQ(m_messages.texts().size(), 3); // the question, the reader's text, the code
+    EXPECT_TRUE(m_messages.texts()[0].contains(QStringLiteral("NoSuchMach Dynamite 6")));
+    EXPECT_EQ(m_messages.texts().last(), QStringLiteral("Error loading file \n Code:\t26"));
+    EXPECT_EQ(readAll(m_data.file(QStringLiteral("machines.ini"))), databaseBefore);
+
+    m_messages.clear();
+    ASSERT_TRUE(frame().openSong(path)); // this time the question is answered Yes
+    EXPECT_EQ(m_messages.texts().size(), 1);
+    EXPECT_EQ(document().song()->machineCount(), 2u);
+    EXPECT_TRUE(
+        readAll(m_data.file(QStringLiteral("machines.ini"))).contains("NoSuchMach Dynamite 6"));
+
+    m_messages.clear();
+    ASSERT_TRUE(frame().openSong(path)); // learnt once, known from then on
+    EXPECT_TRUE(m_messages.texts().isEmpty());
 }
 
 TEST_F(Document, UnknownMachineWithoutDescriptionAsksForItsDll)
@@ -108,7 +136,6 @@ TEST_F(Document, ARealSongOpensSavesAndReadsBackTheSame)
 
 TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCode)
 {
-    m_messages.queueAnswer(QMessageBox::Yes);
     ASSERT_TRUE(frame().loadDefaultSong());
     m_messages.clear();
     const QString unwritable = m_data.file(QStringLiteral("no/such/folder/song.bmx"));
@@ -121,7 +148,6 @@ TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCode)
 
 TEST_F(Document, SaveAsDefaultReplacesTheDefaultSongOnly)
 {
-    m_messages.queueAnswer(QMessageBox::Yes);
     ASSERT_TRUE(frame().loadDefaultSong());
     const QString defaultPath = document().defaultSongPath();
     QFile::remove(defaultPath);
