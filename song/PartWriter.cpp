@@ -406,6 +406,15 @@ PartWriteResult Writer::writeAll()
     if ((m_options.append || m_options.makeSequence) && !sortAndRenumber())
         return m_result;
 
+    // A sequence that runs past the song's end would be cut off by the tracker: the song grows
+    // to hold it, and a loop that ended with the song ends with it again.
+    const auto sequenceEnd = static_cast<std::uint32_t>(position);
+    if (m_options.makeSequence && sequence && sequenceEnd > m_song.songEnd()) {
+        const std::uint32_t loopEnd =
+            m_song.loopEnd() == m_song.songEnd() ? sequenceEnd : m_song.loopEnd();
+        m_song.setSongLength(sequenceEnd, m_song.loopStart(), loopEnd);
+    }
+
     m_result.status = PartWriteStatus::Done;
     m_result.messages.push_back(PartWriter::kDone);
     return m_result;

@@ -62,7 +62,8 @@ struct PartWriteResult
  * new empty sequence; with `append` the new patterns come after the existing ones and, when a
  * sequence is made, its events go into the machine's last sequence (a new one if it has none).
  * When appending or making a sequence, the machine's patterns end up sorted by name (byte order)
- * and every sequence event of the machine follows its pattern.
+ * and every sequence event of the machine follows its pattern. A sequence longer than the song
+ * extends the song's end (and its loop end, when the loop ended with the song).
  *
  * Chance cells draw music::RandomSource::random(50) once each, row by row in track order.
  * Nothing is rolled back after a failure: the patterns created so far stay in the song.

@@ -61,22 +61,6 @@ std::vector<song::MachineDatabaseEntry> entries()
         entry("TestNoise", 1, {{"Volume", 2, true, 0xFF, 0x80}}, 1, 1)};
 }
 
-song::SongMachine machine(const std::string& name, const song::MachineDatabaseEntry& e,
-                          std::uint16_t tracks)
-{
-    song::SongMachine m;
-    m.name = name;
-    m.type = e.type;
-    m.dllName = e.type == 0 ? "" : e.dllName;
-    m.description = e;
-    m.globalRowSize = e.globalRowSize;
-    m.trackRowSize = e.trackRowSize;
-    m.globalState.assign(e.globalRowSize, 0);
-    m.trackCount = tracks;
-    m.trackState.assign(std::size_t{e.trackRowSize} * tracks, 0);
-    return m;
-}
-
 /** A song folder with its machine database; songs are read back through it. */
 class PartWriterTest : public ::testing::Test
 {
@@ -91,10 +75,17 @@ protected:
         // Master, Synth, Drone and Noise, each connected to the master, read back once so that
         // every machine is resolved the way a loaded song is.
         BuzzSong built;
-        const auto e = entries();
-        built.machines() = {machine("Master", e[0], 0), machine("Synth", e[1], 1),
-                            machine("Drone", e[2], 1), machine("Noise", e[3], 1)};
-        built.patternBlocks() = {{0, {}}, {1, {}}, {1, {}}, {1, {}}};
+        const char* const names[] = {"Master", "Synth", "Drone", "Noise"};
+        for (const song::MachineDatabaseEntry& e : entries()) {
+            song::SongMachine& m = built.machines().emplace_back();
+            m.name = names[built.machineCount() - 1];
+            m.type = e.type;
+            m.dllName = e.type == 0 ? "" : e.dllName;
+            m.trackCount = e.type == 0 ? 0 : 1;
+            m.globalState.assign(e.globalRowSize, 0);
+            m.trackState.assign(std::size_t{e.trackRowSize} * m.trackCount, 0);
+            built.patternBlocks().push_back({m.trackCount, {}});
+        }
         built.connections() = {
             {1, 0, 0x4000, 0x4000}, {2, 0, 0x4000, 0x4000}, {3, 0, 0x4000, 0x4000}};
         m_song = roundTrip(built);
@@ -104,8 +95,7 @@ protected:
     BuzzSong roundTrip(const BuzzSong& song)
     {
         const auto path = m_folder.path() / "song.bmx";
-        const music::Result written = song::SongWriter::write(song, path);
-        EXPECT_TRUE(written.ok()) << written.message();
+        EXPECT_TRUE(song::SongWriter::write(song, path).ok());
         song::DataFolderMachineCatalog catalog(m_folder.path());
         BuzzSong read;
         const music::Result result = song::SongReader(catalog, nullptr).read(path, read);
@@ -127,18 +117,21 @@ protected:
     {
         return m_song.cellValue(machine, pattern, row, track, parameter).value_or(-1);
     }
-    std::vector<std::string> patternNames(std::size_t machine = kSynth) const
+    /** The note column of the synth's first track in `pattern`, rows 0 to count - 1. */
+    std::vector<int> notes(std::size_t pattern, std::size_t count) const
     {
-        std::vector<std::string> names;
-        for (const song::SongPattern& p : m_song.patternBlocks()[machine].patterns)
-            names.push_back(p.name);
-        return names;
+        std::vector<int> column;
+        for (std::size_t row = 0; row < count; ++row)
+            column.push_back(note(pattern, 0, row));
+        return column;
     }
-    std::vector<song::SequenceEvent> events(std::size_t machine = kSynth) const
+    std::vector<std::string> patternNames() const
     {
-        const std::vector<std::size_t> sequences = m_song.sequencesOf(machine);
-        return sequences.empty() ? std::vector<song::SequenceEvent>{}
-                                 : m_song.sequences()[sequences.back()].events;
+        return column(m_song.patternBlocks()[kSynth].patterns, &song::SongPattern::name);
+    }
+    std::vector<song::SequenceEvent> events() const
+    {
+        return m_song.sequences()[m_song.sequencesOf(kSynth).back()].events;
     }
 
     TempFolder m_folder{"part-writer"};
@@ -159,7 +152,7 @@ part::Part partWith(const std::vector<music::NoteValue>& notes,
     part::PartChord chord;
     chord.name = "C";
     chord.noteCount = static_cast<std::uint8_t>(notes.size());
-    std::copy(notes.begin(), notes.end(), chord.notes.begin());
+    std::ranges::copy(notes, chord.notes.begin());
     chord.length = length;
     p.append(chord);
     return p;
@@ -202,106 +195,74 @@ TEST_F(PartWriterTest, OnlyUsedTracksAreWrittenInOrderFromMachineTrackZero)
     ASSERT_EQ(m_song.patternCount(kSynth), 1u);
     EXPECT_EQ(m_song.machines()[kSynth].trackCount, 1);
     EXPECT_EQ(m_song.patternBlocks()[kSynth].patterns[0].rows, 16);
-    EXPECT_EQ(note(0, 0, 0), code(0, 4));
-    EXPECT_EQ(note(0, 0, 4), code(7, 4));
-    EXPECT_EQ(note(0, 0, 8), kOff);
-    EXPECT_EQ(note(0, 0, 1), 0);
+    EXPECT_EQ(notes(0, 9), (std::vector<int>{code(0, 4), 0, 0, 0, code(7, 4), 0, 0, 0, kOff}));
 }
 
-TEST_F(PartWriterTest, IndexBeyondTheChordFollowsTheWritersOwnReadingOfTheOption)
+/** Options with this index option and, when `limit`, the upper note limit C4. */
+PartWriteOptions render(part::IndexOption option, bool limit = false)
 {
-    struct Case
-    {
-        part::IndexOption option;
-        int expected;
-    };
-    const Case cases[] = {
-        {part::IndexOption::ExtendChord, code(4, 5)}, // fifth note: E an octave up
-        {part::IndexOption::OffEvent, 0},             // writes nothing here
-        {part::IndexOption::Ignore, kOff},            // writes a note-off here
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(static_cast<int>(c.option));
-        SetUp();
-        PartWriteOptions options;
-        options.render.indexOption = c.option;
-        write(partWith({0, 4, 7}, {{0, 0, chordNote(0)}, {0, 1, chordNote(4)}}), options);
-        EXPECT_EQ(note(0, 0, 0), code(0, 4));
-        EXPECT_EQ(note(0, 0, 1), c.expected);
-        if (c.expected != code(4, 5)) { // no wave goes with a note-off or an empty cell
-            EXPECT_EQ(note(0, 0, 1, kSynth, kSynthWave), kWaveNoValue);
-        }
-    }
+    PartWriteOptions options;
+    options.render.indexOption = option;
+    options.render.limitActive = limit;
+    options.render.limitOctave = 4;
+    return options;
 }
 
-TEST_F(PartWriterTest, UpperLimitAllowsTheLimitItselfButNothingAbove)
+TEST_F(PartWriterTest, EachCellWritesTheNoteItsIndexOctaveShiftAndLimitGive)
 {
-    struct Case
-    {
-        const char* what;
-        PatternCell cell;
-        std::uint8_t baseOctave;
-        int expected;
-    };
-    const Case cases[] = {
-        {"E6 under C4", chordNote(0), 6, code(4, 3)},
-        {"C4 equals the limit", chordNote(1), 4, code(0, 4)},
-        {"C#4 just above", chordNote(2), 4, code(1, 3)},
-        {"B3 below stays", chordNote(3), 3, code(11, 3)},
-        {"fixed E in octave 6", fixedNote(4, 6), 4, code(4, 3)},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        SetUp();
-        PartWriteOptions options;
-        options.render.limitActive = true;
-        options.render.limitNote = 0;
-        options.render.limitOctave = 4;
-        write(partWith({4, 0, 1, 11}, {{0, 0, c.cell}}, c.baseOctave), options);
-        EXPECT_EQ(note(0, 0, 0), c.expected);
-    }
-}
-
-TEST_F(PartWriterTest, OctavesFollowBaseOctaveTrackSettingsAndCarry)
-{
-    struct Case
+    constexpr auto kExtend = part::IndexOption::ExtendChord;
+    constexpr auto kUp = part::kShiftUp;
+    const PartWriteOptions limit = render(kExtend, true);
+    const struct
     {
         const char* what;
         std::vector<music::NoteValue> notes;
         PatternCell cell;
-        std::uint8_t setting;
-        std::uint8_t baseOctave;
+        std::uint8_t setting, baseOctave;
+        PartWriteOptions options;
         int expected;
+    } cases[] = {
+        // clang-format off
+        {"base", {0}, chordNote(0), 0, 4, {}, code(0, 4)},
+        {"B-2", {0}, chordNote(0), 8, 4, {}, code(0, 2)},
+        {"B-1", {0}, chordNote(0), 9, 4, {}, code(0, 3)},
+        {"B+1", {0}, chordNote(0), 10, 4, {}, code(0, 5)},
+        {"B+2", {0}, chordNote(0), 11, 4, {}, code(0, 6)},
+        {"setting 3 replaces the octave of a chord note", {12}, chordNote(0), 3, 1, {}, code(0, 4)},
+        {"setting 3 leaves a fixed note on the base", {0}, fixedNote(9), 3, 2, {}, code(9, 2)},
+        {"fixed note with its own octave", {0}, fixedNote(9, 7), 8, 2, {}, code(9, 7)},
+        {"fixed note follows B+1", {0}, fixedNote(2), 10, 2, {}, code(2, 3)},
+        {"below octave 0 wraps and is capped", {0}, chordNote(0), 8, 1, {}, code(0, 9)},
+        {"chord note an octave up carries", {14}, chordNote(0), 0, 4, {}, code(2, 5)},
+        {"capped at 9", {60}, chordNote(0), 0, 8, {}, code(0, 9)},
+        {"shift up onto a free pitch", {0, 4, 7}, chordNote(0, kUp), 0, 4, {}, code(2, 4)},
+        {"shift up a half-note from G: back", {0, 4, 7}, chordNote(1, kUp), 0, 4, {}, code(4, 4)},
+        {"shift down", {0, 4, 9}, chordNote(2, part::kShiftDown), 0, 4, {}, code(7, 4)},
+        // The writer reads the index option its own way: Ignore writes a note-off.
+        {"index beyond the chord: fifth note, E an octave up", {0, 4, 7}, chordNote(4), 0, 4,
+         render(kExtend), code(4, 5)},
+        {"index beyond the chord, OffEvent", {0, 4, 7}, chordNote(4), 0, 4,
+         render(part::IndexOption::OffEvent), 0},
+        {"index beyond the chord, Ignore", {0, 4, 7}, chordNote(4), 0, 4,
+         render(part::IndexOption::Ignore), kOff},
+        // The upper limit C4 allows the limit itself but nothing above.
+        {"E6 under C4", {4, 0, 1, 11}, chordNote(0), 0, 6, limit, code(4, 3)},
+        {"C4 equals the limit", {4, 0, 1, 11}, chordNote(1), 0, 4, limit, code(0, 4)},
+        {"C#4 just above", {4, 0, 1, 11}, chordNote(2), 0, 4, limit, code(1, 3)},
+        {"B3 below stays", {4, 0, 1, 11}, chordNote(3), 0, 3, limit, code(11, 3)},
+        {"fixed E in octave 6", {4, 0, 1, 11}, fixedNote(4, 6), 0, 4, limit, code(4, 3)},
+        // clang-format on
     };
-    const Case cases[] = {
-        {"base", {0}, chordNote(0), 0, 4, code(0, 4)},
-        {"B-2", {0}, chordNote(0), 8, 4, code(0, 2)},
-        {"B-1", {0}, chordNote(0), 9, 4, code(0, 3)},
-        {"B+1", {0}, chordNote(0), 10, 4, code(0, 5)},
-        {"B+2", {0}, chordNote(0), 11, 4, code(0, 6)},
-        {"setting 3 replaces the octave of a chord note", {12}, chordNote(0), 3, 1, code(0, 4)},
-        {"setting 3 leaves a fixed note on the base", {0}, fixedNote(9), 3, 2, code(9, 2)},
-        {"fixed note with its own octave", {0}, fixedNote(9, 7), 8, 2, code(9, 7)},
-        {"fixed note follows B+1", {0}, fixedNote(2), 10, 2, code(2, 3)},
-        {"below octave 0 wraps and is capped", {0}, chordNote(0), 8, 1, code(0, 9)},
-        {"chord note an octave up carries", {14}, chordNote(0), 0, 4, code(2, 5)},
-        {"capped at 9", {60}, chordNote(0), 0, 8, code(0, 9)},
-        {"shift up onto a free pitch", {0, 4, 7}, chordNote(0, part::kShiftUp), 0, 4, code(2, 4)},
-        {"shift up a half-note from G falls back",
-         {0, 4, 7},
-         chordNote(1, part::kShiftUp),
-         0,
-         4,
-         code(4, 4)},
-        {"shift down", {0, 4, 9}, chordNote(2, part::kShiftDown), 0, 4, code(7, 4)},
-    };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         SetUp();
         part::Part p = partWith(c.notes, {{0, 0, c.cell}}, c.baseOctave);
         p.patterns().pattern(0).setTrackOctave(0, c.setting);
-        write(p, {});
+        write(p, c.options);
         EXPECT_EQ(note(0, 0, 0), c.expected);
+        if (c.expected == 0 || c.expected == kOff) { // no wave goes with a note-off or nothing
+            EXPECT_EQ(note(0, 0, 0, kSynth, kSynthWave), kWaveNoValue);
+        }
     }
 }
 
@@ -317,20 +278,18 @@ TEST_F(PartWriterTest, ShiftOntoAForbiddenPitchClassFallsBack)
 
 TEST_F(PartWriterTest, WaveFollowsTheWaveMode)
 {
-    struct Case
+    const struct
     {
         std::uint8_t mode;
         bool ignore;
-        int track0;
-        int track1;
-    };
-    const Case cases[] = {
+        int track0, track1;
+    } cases[] = {
         {0, false, 10 + 2, 10 + 1}, // + chord-note index
         {1, false, 10 + 0, 10 + 1}, // + machine track
         {7, false, 10, 10},         // base wave only
         {0, true, kWaveNoValue, kWaveNoValue},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(static_cast<int>(c.mode));
         SetUp();
         PartWriteOptions options;
@@ -357,18 +316,14 @@ TEST_F(PartWriterTest, TooManyTracksWarnsAndDropsTheLastUsedTracks)
     EXPECT_EQ(note(0, 2, 0), code(7, 4));
 }
 
-TEST_F(PartWriterTest, MachineWithoutNoteParameterStopsAndKeepsTheSong)
+TEST_F(PartWriterTest, NothingChangesWithoutNoteParameterChordsOrUsedTracks)
 {
     const BuzzSong before = m_song;
-    const auto result = write(partWith({0}, {{0, 0, chordNote(0)}}), {}, kNoise);
-    EXPECT_EQ(result.status, PartWriteStatus::Failed);
-    EXPECT_EQ(result.messages, std::vector<std::string>{"Error:\t unable to find Noteparameter"});
+    const auto failed = write(partWith({0}, {{0, 0, chordNote(0)}}), {}, kNoise);
+    EXPECT_EQ(failed.status, PartWriteStatus::Failed);
+    EXPECT_EQ(failed.messages, std::vector<std::string>{"Error:\t unable to find Noteparameter"});
     expectSameModel(before, m_song);
-}
 
-TEST_F(PartWriterTest, NothingHappensWithoutChordsOrUsedTracks)
-{
-    const BuzzSong before = m_song;
     part::Part empty;
     empty.patterns().append(part::Pattern());
     part::Part silent = partWith({0}, {{0, 0, {CellKind::Off, 0, 0}}});
@@ -412,14 +367,14 @@ TEST_F(PartWriterTest, ReplacingRemovesOldPatternsAndLeavesOneEmptySequence)
     EXPECT_TRUE(events().empty());
 }
 
-/** A part of `count` chords named by `name(c)`, each `length` rows of pattern 0. */
-part::Part chordsPart(int count, std::uint8_t length, const std::function<std::string(int)>& name)
+/** A part of one chord per name, each `length` rows of pattern 0 (C, C#, D, ...). */
+part::Part chordsPart(const std::vector<std::string>& names, std::uint8_t length = 4)
 {
     part::Part p = partWith({0}, {{0, 0, chordNote(0)}}, 4, length);
     p.clearChords();
-    for (int c = 0; c < count; ++c) {
+    for (std::size_t c = 0; c < names.size(); ++c) {
         part::PartChord chord;
-        chord.name = name(c);
+        chord.name = names[c];
         chord.setNotes({static_cast<music::NoteValue>(c % 12)});
         chord.length = length;
         p.append(chord);
@@ -430,7 +385,7 @@ part::Part chordsPart(int count, std::uint8_t length, const std::function<std::s
 TEST_F(PartWriterTest, TakenNamesGetACounter)
 {
     ASSERT_TRUE(m_song.createPattern(kSynth, "Am", 4));
-    write(chordsPart(2, 4, [](int) { return std::string("Am"); }), flags(true, false));
+    write(chordsPart({"Am", "Am"}), flags(true, false));
     EXPECT_EQ(patternNames(), (std::vector<std::string>{"Am", "Am-2", "Am-3"}));
 }
 
@@ -449,14 +404,11 @@ TEST_F(PartWriterTest, NamesByNotesUseTheChordsOwnNotes)
 
 TEST_F(PartWriterTest, SequenceWidthsGrowWithChordCountAndTotalLength)
 {
-    struct Case
+    const struct
     {
         int chords;
-        std::uint8_t length;
-        std::uint8_t positionWidth;
-        std::uint8_t eventWidth;
-    };
-    const Case cases[] = {
+        std::uint8_t length, positionWidth, eventWidth;
+    } cases[] = {
         {112, 2, 1, 1},  // 224 rows
         {113, 2, 1, 2},  // the song writer widens values beyond 112 patterns
         {121, 1, 1, 2},  // 121 chords
@@ -464,20 +416,19 @@ TEST_F(PartWriterTest, SequenceWidthsGrowWithChordCountAndTotalLength)
         {64, 4, 2, 1},   // 256 rows
         {130, 200, 2, 2} // positions beyond one byte, values beyond one byte
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(std::to_string(c.chords) + " x " + std::to_string(c.length));
         SetUp();
-        char name[8];
-        const auto result = write(chordsPart(c.chords, c.length,
-                                             [&](int i) {
-                                                 std::snprintf(name, sizeof name, "P%03d", i);
-                                                 return std::string(name);
-                                             }),
-                                  flags(false, true));
+        std::vector<std::string> names;
+        for (int i = 0; i < c.chords; ++i)
+            names.push_back("P" + std::to_string(1000 + i)); // sorted as created
+        const auto result = write(chordsPart(names, c.length), flags(false, true));
         ASSERT_TRUE(result.ok());
-        const std::size_t s = m_song.sequencesOf(kSynth).back();
-        EXPECT_EQ(m_song.sequences()[s].positionWidth, c.positionWidth);
-        EXPECT_EQ(m_song.sequences()[s].eventWidth, c.eventWidth);
+        const song::SongSequence& s = m_song.sequences()[m_song.sequencesOf(kSynth).back()];
+        EXPECT_EQ(std::tie(s.positionWidth, s.eventWidth), std::tie(c.positionWidth, c.eventWidth));
+        // The song grows to hold the whole sequence, and its loop with it.
+        const auto total = static_cast<std::uint32_t>(c.chords * c.length);
+        EXPECT_EQ(std::make_pair(m_song.songEnd(), m_song.loopEnd()), std::make_pair(total, total));
         const std::vector<song::SequenceEvent> e = events();
         ASSERT_EQ(e.size(), static_cast<std::size_t>(c.chords));
         for (int i = 0; i < c.chords; i += 7) {
@@ -496,7 +447,7 @@ TEST_F(PartWriterTest, AppendingSortsPatternsByNameAndRenumbersEveryEvent)
     m_song.sequences()[m_song.addSequence(kSynth)].events = {{0, 17}, {64, 8888}};
 
     // Chord values count from the chord (16 + c) and so name Zeta and Beta at first.
-    write(chordsPart(2, 4, [](int c) { return c == 0 ? "Alpha" : "Gamma"; }), flags(true, true));
+    write(chordsPart({"Alpha", "Gamma"}), flags(true, true));
     EXPECT_EQ(patternNames(), (std::vector<std::string>{"Alpha", "Beta", "Gamma", "Zeta"}));
     const std::vector<std::size_t> sequences = m_song.sequencesOf(kSynth);
     ASSERT_EQ(sequences.size(), 2u);
@@ -510,8 +461,7 @@ TEST_F(PartWriterTest, DamagedSequenceStopsWithPositionAndValueAndKeepsOrder)
 {
     ASSERT_TRUE(m_song.createPattern(kSynth, "Zeta", 4));
     m_song.sequences()[m_song.addSequence(kSynth)].events = {{48, 21}};
-    const auto result =
-        write(chordsPart(1, 4, [](int) { return std::string("Alpha"); }), flags(true, false));
+    const auto result = write(chordsPart({"Alpha"}), flags(true, false));
     EXPECT_EQ(result.status, PartWriteStatus::Failed);
     EXPECT_EQ(result.messages, std::vector<std::string>{"Error reading SequencerData\n48\n21"});
     EXPECT_EQ(patternNames(), (std::vector<std::string>{"Zeta", "Alpha"}));
@@ -529,9 +479,7 @@ TEST_F(PartWriterTest, ChanceCellsSoundSometimesAndRepeatWithTheSeed)
         SetUp();
         music::RandomSource::seed(7);
         write(p, {});
-        std::vector<int> notes;
-        for (std::size_t r = 0; r < part::kRowCount; ++r)
-            notes.push_back(note(0, 0, r));
+        const std::vector<int> notes = this->notes(0, part::kRowCount);
         const auto sounding = std::count(notes.begin(), notes.end(), code(0, 4));
         EXPECT_GT(sounding, 10);
         EXPECT_LT(sounding, 54);
@@ -548,9 +496,9 @@ TEST_F(PartWriterTest, ChordsLongerThanThePatternGetEmptyRowsAfterRow63)
     part::Part p = partWith({0}, {{0, 63, chordNote(0)}}, 4, 100);
     write(p, {});
     ASSERT_EQ(m_song.patternBlocks()[kSynth].patterns[0].rows, 100);
-    EXPECT_EQ(note(0, 0, 63), code(0, 4));
-    EXPECT_EQ(note(0, 0, 64), 0);
-    EXPECT_EQ(note(0, 0, 99), 0);
+    std::vector<int> expected(100, 0);
+    expected[63] = code(0, 4);
+    EXPECT_EQ(notes(0, 100), expected);
 }
 
 TEST_F(PartWriterTest, ChordOnAMissingPatternWritesAnEmptyPattern)
