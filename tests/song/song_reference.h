@@ -7,6 +7,8 @@
 #include "song_test_support.h"
 
 #include "song/MemoryMachineCatalog.h"
+#include "song/SongReader.h"
+#include "song/SongWriter.h"
 
 namespace songtest {
 
@@ -39,8 +41,7 @@ inline std::string machSection(const std::string& leadDll = "TestGen")
     b.u32(3).u8(1).u8(2).u8(3);
     b.u16(1).str("Mode").u32(-5);
     b.u8(0x40).u16(0x100);
-    b.u16(2).u8(0).u8(0x80).u8(0).u8(0x80);
-    return b.data();
+    return b.u16(2).u8(0).u8(0x80).u8(0).u8(0x80).data();
 }
 
 inline std::string connSection()
@@ -58,9 +59,8 @@ inline std::string pattSection()
     // Lead: 1 pattern, 2 tracks; "Intro", 2 rows: global rows (Cutoff, Glide), then track 0, 1.
     b.u16(1).u16(2).str("Intro").u16(2);
     b.u8(0x10).u16(0xFFFF).u8(0xFF).u16(0x0200);
-    b.u8(0x41).u8(0x60).u8(0).u8(0xFF); // track 0: C-4 vel 0x60, then nothing
-    b.u8(0).u8(0xFF).u8(0x45).u8(0xFF); // track 1: nothing, then E-4
-    return b.data();
+    b.u8(0x41).u8(0x60).u8(0).u8(0xFF);               // track 0: C-4 vel 0x60, then nothing
+    return b.u8(0).u8(0xFF).u8(0x45).u8(0xFF).data(); // track 1: nothing, then E-4
 }
 
 inline std::string sequSection()
@@ -68,8 +68,7 @@ inline std::string sequSection()
     Bytes b;
     b.u32(64).u32(0).u32(32).u16(2);
     b.u16(1).u32(3).u8(1).u8(1).u8(0).u8(16).u8(16).u8(16).u8(32).u8(1);
-    b.u16(0).u32(0); // an empty sequence has no width bytes
-    return b.data();
+    return b.u16(0).u32(0).data(); // an empty sequence has no width bytes
 }
 
 inline std::string paraSection()
@@ -84,16 +83,14 @@ inline std::string paraSection()
     b.u8(2).str("Cutoff").u32(0).u32(0xFE).u32(0xFF).u32(2).u32(0x40);
     b.u8(3).str("Glide").u32(0).u32(0xFFFE).u32(0xFFFF).u32(2).u32(0x100);
     b.u8(0).str("Note").u32(0).u32(0).u32(0).u32(0).u32(0);
-    b.u8(2).str("Velocity").u32(0).u32(0xFE).u32(0xFF).u32(2).u32(0x80);
-    return b.data();
+    return b.u8(2).str("Velocity").u32(0).u32(0xFE).u32(0xFF).u32(2).u32(0x80).data();
 }
 
 inline std::string wavtSection()
 {
     Bytes b;
     b.u16(1).u16(3).str("C:\\waves\\kick.wav").str("Kick").u32(0x3F800000).u8(0);
-    b.u8(1).u32(100).u32(0).u32(100).u32(44100).u8(0x41);
-    return b.data();
+    return b.u8(1).u32(100).u32(0).u32(100).u32(44100).u8(0x41).data();
 }
 
 inline std::string midiSection()
@@ -101,30 +98,28 @@ inline std::string midiSection()
     return Bytes().str("Lead").u8(1).u8(2).u8(3).u8(4).u8(5).u8(0).data();
 }
 
-inline std::string pdlgSection()
+/** The window flag, then per open window the machine name and 44 bytes, ended by an empty name. */
+inline std::string pdlgSection(const std::vector<std::string>& windows = {"Lead"}, int first = 1)
 {
     Bytes b;
-    b.u8(1).str("Lead");
-    for (int i = 0; i < 44; ++i)
-        b.u8(i + 1);
-    b.u8(0);
-    return b.data();
+    b.u8(1);
+    for (const std::string& name : windows) {
+        b.str(name);
+        for (int i = 0; i < 44; ++i)
+            b.u8(first + i);
+    }
+    return b.u8(0).data();
 }
 
 /** The sections in the order the tracker itself writes them. */
 inline std::vector<Section> referenceSections()
 {
-    return {{"BVER", Bytes().str("Buzz 1.3 test  ").data()},
-            {"PARA", paraSection()},
-            {"MACH", machSection()},
-            {"CONN", connSection()},
-            {"WAVT", wavtSection()},
-            {"PATT", pattSection()},
-            {"SEQU", sequSection()},
-            {"BLAH", "hello"},
-            {"PDLG", pdlgSection()},
-            {"MIDI", midiSection()},
-            {"CWAV", "wave data bytes"}};
+    // clang-format off
+    return {{"BVER", Bytes().str("Buzz 1.3 test  ").data()}, {"PARA", paraSection()},
+            {"MACH", machSection()}, {"CONN", connSection()}, {"WAVT", wavtSection()},
+            {"PATT", pattSection()}, {"SEQU", sequSection()}, {"BLAH", "hello"},
+            {"PDLG", pdlgSection()}, {"MIDI", midiSection()}, {"CWAV", "wave data bytes"}};
+    // clang-format on
 }
 
 inline std::string referenceSong()
@@ -132,15 +127,53 @@ inline std::string referenceSong()
     return songFile(referenceSections());
 }
 
-/** The sections without the one named, for tests of absent sections. */
+/** The sections without the ones named, for tests of absent sections. */
 inline std::vector<Section> sectionsWithout(const std::vector<std::string>& names)
 {
-    std::vector<Section> result;
-    for (const Section& s : referenceSections()) {
-        if (std::find(names.begin(), names.end(), s.name) == names.end())
-            result.push_back(s);
+    std::vector<Section> result = referenceSections();
+    std::erase_if(result, [&](const Section& s) { return std::ranges::count(names, s.name) > 0; });
+    return result;
+}
+
+/** The sections with the named one's bytes replaced. */
+inline std::vector<Section> sectionsWith(const std::string& name, const std::string& bytes)
+{
+    std::vector<Section> result = referenceSections();
+    for (Section& s : result) {
+        if (s.name == name)
+            s.bytes = bytes;
     }
     return result;
+}
+
+/** Reads song bytes with the reference catalog, expecting success. */
+inline song::BuzzSong readReference(const std::string& bytes = referenceSong())
+{
+    song::MemoryMachineCatalog catalog = referenceCatalog();
+    song::BuzzSong song;
+    const music::Result r = song::SongReader(catalog, nullptr).readBytes(bytes, song);
+    EXPECT_TRUE(r.ok()) << r.code();
+    return song;
+}
+
+/** Saves the song with the writer and reads the file back with the reference catalog. */
+inline music::Result writeAndReread(const song::BuzzSong& song, song::BuzzSong& reread)
+{
+    TempFolder folder("reread");
+    const auto path = folder.path() / "song.bmx";
+    if (music::Result r = song::SongWriter::write(song, path); !r)
+        return r;
+    song::MemoryMachineCatalog catalog = referenceCatalog();
+    return song::SongReader(catalog, nullptr).read(path, reread);
+}
+
+/** Expects the song to save and read back unchanged. */
+inline void expectRoundTrip(const song::BuzzSong& song)
+{
+    song::BuzzSong reread;
+    const music::Result r = writeAndReread(song, reread);
+    ASSERT_TRUE(r.ok()) << r.code();
+    expectSameModel(song, reread);
 }
 
 } // namespace songtest

@@ -1,3 +1,5 @@
+#include "song_test_support.h"
+
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
 #include "song/MachineDatabase.h"
@@ -14,51 +16,22 @@ namespace {
 namespace fs = std::filesystem;
 using song::MachineDatabase;
 using song::MachineScanner;
-
-fs::path testGear()
-{
-#ifdef TM_TEST_GEAR_DIR
-    return TM_TEST_GEAR_DIR;
-#else
-    return {};
-#endif
-}
-
-fs::path extraGear()
-{
-#ifdef TM_TEST_GEAR_EXTRA_DIR
-    return TM_TEST_GEAR_EXTRA_DIR;
-#else
-    return {};
-#endif
-}
-
-#define REQUIRE_TEST_DLLS()                                                                        \
-    if (testGear().empty())                                                                        \
-    GTEST_SKIP() << "test machine DLLs not built (mingw-w64 cross compilers missing)"
+using songtest::testGear;
 
 /** A data folder and a scratch gear folder of its own, removed afterwards. */
 class MachineScan : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        m_root = fs::temp_directory_path() /
-                 ("tm-machines-scan-" + std::to_string(std::random_device{}()));
-        m_data = m_root / "data";
-        fs::create_directories(m_data);
-    }
-    void TearDown() override { fs::remove_all(m_root); }
+    void SetUp() override { fs::create_directories(m_data); }
 
     std::string database() const
     {
         return music::readFileBytes(m_data / "machines.ini").value_or("<missing>");
     }
     /** Copies a built test DLL into the scratch gear folder under `folder`. */
-    fs::path place(const fs::path& dll, const std::string& folder, const std::string& name = {})
+    fs::path place(const fs::path& dll, const std::string& folder)
     {
-        const fs::path target =
-            m_root / "gear" / folder / (name.empty() ? dll.filename() : fs::path(name));
+        const fs::path target = m_root / "gear" / folder / dll.filename();
         fs::create_directories(target.parent_path());
         fs::copy_file(dll, target, fs::copy_options::overwrite_existing);
         return target;
@@ -67,13 +40,11 @@ protected:
     {
         MachineDatabase db;
         EXPECT_TRUE(db.load(m_data).ok());
-        std::vector<std::string> names;
-        for (const auto& e : db.entries())
-            names.push_back(e.dllName);
-        return names;
+        return songtest::column(db.entries(), &song::MachineDatabaseEntry::dllName);
     }
 
-    fs::path m_root, m_data;
+    songtest::TempFolder m_folder{"scan"};
+    fs::path m_root = m_folder.path(), m_data = m_root / "data";
 };
 
 std::string builtInFile(int count)
@@ -102,9 +73,9 @@ TEST_F(MachineScan, FullScanWritesGeneratorsThenEffectsAndSkipsWhatItCannotRead)
         place(testGear() / "generators" / (std::string("TestGen") + b + ".dll"), "Generators");
         place(testGear() / "effects" / (std::string("TestFx") + b + ".dll"), "EFFECTS");
     }
-    place(extraGear() / "generators" / "NoGetInfo.dll", "Generators");
-    music::writeFileSafely(gear / "Generators" / "readme.dll", "not a library");
-    music::writeFileSafely(gear / "Generators" / "notes.txt", "ignored");
+    place(testGear(true) / "generators" / "NoGetInfo.dll", "Generators");
+    for (const char* name : {"readme.dll", "notes.txt"})
+        ASSERT_TRUE(music::writeFileSafely(gear / "Generators" / name, "not a library"));
 
     song::GearScanReport report;
     ASSERT_TRUE(MachineScanner::scanGearDirectory(m_data, gear, report).ok());
@@ -113,7 +84,7 @@ TEST_F(MachineScan, FullScanWritesGeneratorsThenEffectsAndSkipsWhatItCannotRead)
     EXPECT_EQ(report.skipped.size(), 2u);
 
     const std::string text = database();
-    EXPECT_EQ(text.substr(0, 2), "7\n"); // 3 + four DLLs
+    EXPECT_TRUE(text.starts_with("7\n")); // 3 + four DLLs
     // Loaded: five built-ins and the first two DLL entries; the last two stay unread.
     EXPECT_EQ(loadedNames(),
               (std::vector<std::string>{"Master", "Jeskola Freeverb", "Jeskola Aux Return",
@@ -197,7 +168,7 @@ TEST_F(MachineScan, SingleScanFailuresShowTheirMessagesAndChangeNothing)
          "Error:\nUnable to load library\nmaybe it is no dynamic link library"},
         {"missing file", m_root / "gear" / "generators" / "gone.dll",
          "Error:\nUnable to load library\nmaybe it is no dynamic link library"},
-        {"no GetInfo", extraGear() / "generators" / "NoGetInfo.dll",
+        {"no GetInfo", testGear(true) / "generators" / "NoGetInfo.dll",
          "Error:\nUnable to find function GetInfo()"},
     };
     for (const auto& c : cases) {
@@ -210,33 +181,19 @@ TEST_F(MachineScan, SingleScanFailuresShowTheirMessagesAndChangeNothing)
         EXPECT_EQ(database(), before);
         EXPECT_FALSE(fs::exists(m_data / "tmpmach.nam"));
     }
-}
-
-TEST_F(MachineScan, SingleScanRefusesADamagedDatabase)
-{
-    REQUIRE_TEST_DLLS();
+    // A damaged database is refused, not rewritten.
     const std::string damaged = "9\nMaster\nMaster\n0\n";
     ASSERT_TRUE(music::writeFileSafely(m_data / "machines.ini", damaged));
     bool changed = true;
-    const music::Result result = MachineScanner::scanSingleDll(
-        m_data, testGear() / "generators" / "TestGen32O0.dll", changed);
-    EXPECT_FALSE(result.ok());
+    EXPECT_FALSE(
+        MachineScanner::scanSingleDll(m_data, testGear() / "generators/TestGen32O0.dll", changed)
+            .ok());
     EXPECT_EQ(database(), damaged);
 }
 
 song::MachineDatabaseEntry learned(const std::string& dllName)
 {
-    song::MachineDatabaseEntry e;
-    e.dllName = dllName;
-    e.shortName = "Learned";
-    e.type = 1;
-    e.minTracks = 1;
-    e.maxTracks = 8;
-    e.totalParameterCount = 1;
-    e.trackParameterCount = 1;
-    e.trackRowSize = 1;
-    e.parameters.push_back({"Note", 1, 't', 0, 0, 0});
-    return e;
+    return songtest::entry(dllName, 1, {{"Note", 0, true}}, 1, 8);
 }
 
 TEST_F(MachineScan, AddEntryCreatesTheFileAndTheLoaderSeesTheNewEntry)

@@ -1,3 +1,5 @@
+#include "song_test_support.h"
+
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
 #include "song/SpecDataStore.h"
@@ -12,20 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using song::SpecDataStore;
-
-class SpecDataStoreFolder : public ::testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        m_dir = fs::temp_directory_path() /
-                ("tm-machines-spec-" + std::to_string(std::random_device{}()));
-        fs::create_directories(m_dir);
-    }
-    void TearDown() override { fs::remove_all(m_dir); }
-
-    fs::path m_dir;
-};
 
 // One entry written by hand from the format: "Bass" with data 01 02 and one attribute "A" = -2.
 const std::string kOneEntry("\x01\x00"
@@ -44,41 +32,43 @@ TEST(SpecDataStore, ReadsAndWritesTheByteLayout)
     const song::SpecDataEntry* entry = store.find("BASS");
     ASSERT_NE(entry, nullptr);
     EXPECT_EQ(entry->machineData, (std::vector<std::uint8_t>{1, 2}));
-    ASSERT_EQ(entry->attributes.size(), 1u);
-    EXPECT_EQ(entry->attributes[0].first, "A");
-    EXPECT_EQ(entry->attributes[0].second, -2);
+    EXPECT_EQ(entry->attributes, (decltype(entry->attributes){{"A", -2}}));
     EXPECT_EQ(store.toBytes(), kOneEntry);
 }
 
-TEST_F(SpecDataStoreFolder, RoundTripsThroughTheFileAndKeepsTheFirstMachinePerDll)
+TEST(SpecDataStore, RoundTripsThroughTheFileAndKeepsTheFirstMachinePerDll)
 {
+    const songtest::TempFolder folder("specdata");
+    const fs::path& dir = folder.path();
     SpecDataStore store;
-    ASSERT_TRUE(store.load(m_dir).ok());
+    ASSERT_TRUE(store.load(dir).ok());
     std::vector<std::uint8_t> big(70000);
     for (std::size_t i = 0; i < big.size(); ++i)
         big[i] = static_cast<std::uint8_t>(i * 7);
     store.add("Jeskola Bass 3", big, {{"Volume Ramp", 1}, {"", 0}, {"Max", 2147483647}});
     store.add("Empty", {}, {});
     store.add("jeskola bass 3", {9}, {}); // same DLL in another case: the first one stays
-    ASSERT_TRUE(store.save(m_dir).ok());
+    ASSERT_TRUE(store.save(dir).ok());
 
     SpecDataStore again;
-    ASSERT_TRUE(again.load(m_dir).ok());
+    ASSERT_TRUE(again.load(dir).ok());
     ASSERT_EQ(again.size(), 2u);
     EXPECT_EQ(again.entries()[0].machineData, big);
-    EXPECT_EQ(again.entries()[0].attributes.size(), 3u);
-    EXPECT_EQ(again.entries()[0].attributes[2].second, 2147483647);
+    EXPECT_EQ(again.entries()[0].attributes,
+              (decltype(again.entries()[0].attributes){
+                  {"Volume Ramp", 1}, {"", 0}, {"Max", 2147483647}}));
     EXPECT_TRUE(again.contains("EMPTY"));
     EXPECT_FALSE(again.contains("Jeskola"));
 }
 
-TEST_F(SpecDataStoreFolder, MissingFileIsCreatedEmpty)
+TEST(SpecDataStore, MissingFileIsCreatedEmpty)
 {
+    const songtest::TempFolder folder("specdata");
     SpecDataStore store;
     store.add("Old", {}, {});
-    ASSERT_TRUE(store.load(m_dir).ok());
+    ASSERT_TRUE(store.load(folder.path()).ok());
     EXPECT_EQ(store.size(), 0u);
-    EXPECT_EQ(music::readFileBytes(m_dir / "specdata.dat"), std::string(2, '\0'));
+    EXPECT_EQ(music::readFileBytes(folder.path() / "specdata.dat"), std::string(2, '\0'));
 }
 
 TEST(SpecDataStore, RejectsDamagedBytesWithoutKeepingHalfAStore)
