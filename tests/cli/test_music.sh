@@ -5,35 +5,26 @@
 set -u
 cli="$1"
 data="${TM_DATA_DIR:-$(dirname "$cli")}"
-if [[ ! -f "$data/default.ccl" ]]; then
-    echo "SKIP: no shipped data in $data"
-    exit 77
-fi
+[[ -f "$data/default.ccl" ]] || { echo "SKIP: no shipped data in $data"; exit 77; }
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
 failures=0
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 
-# expect NAME EXPECTED_STATUS EXPECTED_STDOUT EXPECTED_STDERR -- command words...
+# expect NAME EXPECTED_STATUS EXPECTED_STDOUT EXPECTED_STDERR ("*": any) -- command words...
 expect() {
-    local name="$1" status="$2" out="$3" err="$4"
+    local name="$1" status="$2" out="$3" err="$4" got_out got_status
     shift 5
-    local got_out got_err got_status
     got_out="$("$cli" "$@" 2>"$work/stderr")"
     got_status=$?
-    got_err="$(cat "$work/stderr")"
-    if [[ "$got_status" != "$status" || "$got_out" != "$out" || ("$err" != "*" && "$got_err" != "$err") ]]; then
-        echo "FAIL: $name"
-        echo "  status $got_status (want $status)"
-        echo "  stdout: $(printf '%q' "$got_out")"
-        echo "  want:   $(printf '%q' "$out")"
-        echo "  stderr: $(printf '%q' "$got_err")"
-        failures=$((failures + 1))
-    fi
+    [[ "$got_status" == "$status" && "$got_out" == "$out" ]] &&
+        [[ "$err" == "*" || "$(cat "$work/stderr")" == "$err" ]] ||
+        fail "$name: status $got_status (want $status), stdout $(printf '%q' "$got_out")" \
+            "(want $(printf '%q' "$out")), stderr $(printf '%q' "$(cat "$work/stderr")")"
 }
-
 tab=$'\t'
+cmaj="Sorted by chord${tab}Triads${tab}maj${tab}Cmaj${tab}0 4 7"
 
-# intervals
 expect "minor triad" 0 "0 3 7" "" -- intervals "1; b3 ;5;"
 expect "sharp ninth" 0 "0 15" "" -- intervals "1;#9th;"
 expect "unterminated" 0 "0 4" "" -- intervals "1;3;5"
@@ -54,6 +45,7 @@ expect "types: missing file" 1 "" "Error opening file." -- types "$work/none.ccl
 expect "types: wrong magic" 1 "" "Seems to be no valid file." -- types "$work/mine.scl"
 expect "scales: missing file" 1 "" "Error opening file" -- scales "$work/none.scl"
 expect "scales: wrong magic" 1 "" "Seems to be no valid file" -- scales "$work/mine.ccl"
+expect "empty data folder" 1 "" "Error opening file" -- scales --data "$work/empty"
 
 # generate, then search what was generated
 expect "generate" 0 "" "" -- generate --types "$work/mine.ccl" -o "$work/mine.crd"
@@ -63,11 +55,9 @@ expect "generate: bad types" 1 "" "Seems to be no valid file." -- generate --typ
 expect "generate: no output" 2 "" "*" -- generate --types "$work/mine.ccl"
 expect "generate: unknown scale" 1 "" "*" -- generate --types "$work/mine.ccl" --scales "$work/mine.scl" \
     --scale "lydian" -o "$work/x.crd"
-[[ -e "$work/x.crd" ]] && { echo "FAIL: a failed generate wrote a file"; failures=$((failures + 1)); }
+[[ -e "$work/x.crd" ]] && fail "a failed generate wrote a file"
 
-expect "find-chord first" 0 "Sorted by chord${tab}Triads${tab}maj${tab}Cmaj${tab}0 4 7" "" -- \
-    find-chord --db "$work/mine.crd" --notes C,E,G
-expect "find-chord all" 0 "Sorted by chord${tab}Triads${tab}maj${tab}Cmaj${tab}0 4 7
+expect "find-chord all" 0 "$cmaj
 Sorted by chord${tab}Sevenths${tab}m7${tab}Am7${tab}9 12 16 19
 Sorted by note${tab}C${tab}triads${tab}Cmaj${tab}0 4 7
 Sorted by note${tab}A${tab}sevenths${tab}Am7${tab}9 12 16 19" "" -- \
@@ -82,11 +72,11 @@ expect "find-scale" 0 "Scales${tab}C minor pentatonic
 Scales${tab}F minor pentatonic" "" -- find-scale --db "$work/scales.crd" --notes C,D#
 expect "find-scale text" 0 "Sorted by note${tab}F#" "" -- find-scale --db "$work/mine.crd" --include "f#"
 
-# the shipped data
-expect "shipped: first C E G" 0 "Sorted by chord${tab}Triads${tab}maj${tab}Cmaj${tab}0 4 7" "" -- \
-    find-chord --db "$data/default.crd" --notes C,E,G
-expect "shipped: maj without 7" 0 "Sorted by chord${tab}Triads${tab}maj${tab}Cmaj${tab}0 4 7" "" -- \
-    find-chord --db "$data/default.crd" --include Maj --skip 7
+# the first C E G chord, from the generated list, the shipped database and the default one
+for db in "--db|$work/mine.crd" "--db|$data/default.crd" "--data|$data"; do
+    expect "first C E G ($db)" 0 "$cmaj" "" -- find-chord "${db%%|*}" "${db#*|}" --notes C,E,G
+done
+expect "shipped: maj without 7" 0 "$cmaj" "" -- find-chord --db "$data/default.crd" --include Maj --skip 7
 expect "shipped: C major scale" 0 "Scales${tab}C major
 Scales${tab}A natural minor
 Scales${tab}D dorian
@@ -94,22 +84,13 @@ Scales${tab}E phrygian
 Scales${tab}F lydian
 Scales${tab}G mixolydian
 Scales${tab}B locrian" "" -- find-scale --db "$data/default.crd" --notes C,D,E,F,G,A,B
-expect "shipped: default database" 0 "Sorted by chord${tab}Triads${tab}maj${tab}Cmaj${tab}0 4 7" "" -- \
-    find-chord --data "$data" --notes C,E,G
-expect "empty data folder" 1 "" "Error opening file" -- scales --data "$work/empty"
-count="$("$cli" types "$data/default.ccl" | wc -l)"
-[[ "$count" -ge 100 ]] || { echo "FAIL: only $count shipped chord types"; failures=$((failures + 1)); }
-count="$("$cli" scales "$data/default.scl" | wc -l)"
-[[ "$count" -ge 40 ]] || { echo "FAIL: only $count shipped scales"; failures=$((failures + 1)); }
+[[ "$("$cli" types "$data/default.ccl" | wc -l)" -ge 100 ]] || fail "fewer than 100 shipped chord types"
+[[ "$("$cli" scales "$data/default.scl" | wc -l)" -ge 40 ]] || fail "fewer than 40 shipped scales"
 
 # regenerating the shipped database from the shipped lists gives the same bytes
 "$cli" generate --types "$data/default.ccl" --scales "$data/default.scl" --default-scale-groups \
     -o "$work/regen.crd"
-cmp -s "$work/regen.crd" "$data/default.crd" ||
-    { echo "FAIL: regenerated default.crd differs"; failures=$((failures + 1)); }
+cmp -s "$work/regen.crd" "$data/default.crd" || fail "regenerated default.crd differs"
 
-if [[ "$failures" -ne 0 ]]; then
-    echo "$failures failure(s)"
-    exit 1
-fi
+[[ "$failures" -eq 0 ]] || { echo "$failures failure(s)"; exit 1; }
 echo "all music command checks passed"

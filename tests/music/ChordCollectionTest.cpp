@@ -5,9 +5,8 @@
 #include <string>
 #include <vector>
 
-using music::Chord;
-using music::ChordCollection;
-using music::ChordTypeList;
+using namespace music;
+using Names = std::vector<std::string>;
 
 namespace {
 
@@ -19,19 +18,11 @@ ChordTypeList typesOf(const std::vector<std::pair<std::string, std::string>>& en
     return list;
 }
 
-std::vector<std::string> sectionNames(const music::ChordBaseGroup& group)
+template <class Item> std::vector<std::string> namesOf(const std::vector<Item>& items)
 {
     std::vector<std::string> names;
-    for (const auto& section : group.sections)
-        names.push_back(section.name);
-    return names;
-}
-
-std::vector<std::string> subsectionNames(const music::ChordSection& section)
-{
-    std::vector<std::string> names;
-    for (const auto& subsection : section.subsections)
-        names.push_back(subsection.name);
+    for (const Item& item : items)
+        names.push_back(item.name);
     return names;
 }
 
@@ -43,7 +34,7 @@ TEST(GenerateList, BuildsChordsUpwardFromOctaveZero)
     collection.generateList(typesOf({{"13", "1;3;b7;9;13;"}}));
     const Chord& b13 = collection.baseGroups()[0].sections[0].subsections[0].chords[11];
     EXPECT_EQ(b13.name, "B13");
-    EXPECT_EQ(b13.slots, (std::array<music::NoteValue, 5>{11, 15, 21, 25, 32}));
+    EXPECT_EQ(b13.slots, (std::array<NoteValue, 5>{11, 15, 21, 25, 32}));
 }
 
 TEST(GenerateList, SortsByChordAndByNoteAndRemovesEmptyParts)
@@ -57,29 +48,23 @@ TEST(GenerateList, SortsByChordAndByNoteAndRemovesEmptyParts)
                                      {"13full", "1;3;5;b7;9;13;"},
                                      {"none", "135"}}));
     const auto& groups = collection.baseGroups();
-    ASSERT_EQ(groups.size(), 2u);
-    EXPECT_EQ(groups[0].name, "Sorted by chord");
-    EXPECT_EQ(groups[1].name, "Sorted by note");
-
-    EXPECT_EQ(sectionNames(groups[0]), (std::vector<std::string>{"Triads", "Ninths"}));
-    EXPECT_EQ(subsectionNames(groups[0].sections[0]), (std::vector<std::string>{"maj", "m"}));
-    EXPECT_EQ(subsectionNames(groups[0].sections[1]), (std::vector<std::string>{"9"}));
+    ASSERT_EQ(namesOf(groups), (Names{"Sorted by chord", "Sorted by note"}));
+    EXPECT_EQ(namesOf(groups[0].sections), (Names{"Triads", "Ninths"}));
+    EXPECT_EQ(namesOf(groups[0].sections[0].subsections), (Names{"maj", "m"}));
+    EXPECT_EQ(namesOf(groups[0].sections[1].subsections), (Names{"9"}));
     const auto& majors = groups[0].sections[0].subsections[0].chords;
-    ASSERT_EQ(majors.size(), 12u);
-    EXPECT_EQ(majors[0].name, "Cmaj");
-    EXPECT_EQ(majors[1].name, "C#maj");
-    EXPECT_EQ(majors[1].slots, (std::array<music::NoteValue, 5>{1, 5, 8, 120, 120}));
+    EXPECT_EQ(namesOf(majors), (Names{"Cmaj", "C#maj", "Dmaj", "D#maj", "Emaj", "Fmaj", "F#maj",
+                                      "Gmaj", "G#maj", "Amaj", "A#maj", "Bmaj"}));
+    EXPECT_EQ(majors[1].slots, (std::array<NoteValue, 5>{1, 5, 8, 120, 120}));
 
-    ASSERT_EQ(groups[1].sections.size(), 12u);
+    ASSERT_EQ(namesOf(groups[1].sections),
+              (Names{"C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"}));
     const auto& d = groups[1].sections[2];
-    EXPECT_EQ(d.name, "D");
     EXPECT_FALSE(d.scaleFlag);
-    EXPECT_EQ(subsectionNames(d), (std::vector<std::string>{"triads", "ninths"}));
-    ASSERT_EQ(d.subsections[1].chords.size(), 2u);
-    EXPECT_EQ(d.subsections[1].chords[0].name, "D9");
+    ASSERT_EQ(namesOf(d.subsections), (Names{"triads", "ninths"}));
     // More than five intervals: only the first five notes are kept.
-    EXPECT_EQ(d.subsections[1].chords[1].name, "D13full");
-    EXPECT_EQ(d.subsections[1].chords[1].slots, (std::array<music::NoteValue, 5>{2, 6, 9, 12, 16}));
+    ASSERT_EQ(namesOf(d.subsections[1].chords), (Names{"D9", "D13full"}));
+    EXPECT_EQ(d.subsections[1].chords[1].slots, (std::array<NoteValue, 5>{2, 6, 9, 12, 16}));
 }
 
 TEST(GenerateList, LeavesNothingFromAnEmptyOrUselessList)
@@ -88,8 +73,7 @@ TEST(GenerateList, LeavesNothingFromAnEmptyOrUselessList)
     collection.generateList(typesOf({{"one", "1;"}}));
     ASSERT_EQ(collection.baseGroups().size(), 2u);
     EXPECT_TRUE(collection.baseGroups()[0].sections.empty()); // one interval: no diad
-    EXPECT_EQ(subsectionNames(collection.baseGroups()[1].sections[0]),
-              (std::vector<std::string>{"notes"}));
+    EXPECT_EQ(namesOf(collection.baseGroups()[1].sections[0].subsections), (Names{"notes"}));
 
     collection.generateList(ChordTypeList());
     EXPECT_TRUE(collection.baseGroups()[0].sections.empty());
@@ -100,20 +84,19 @@ TEST(AddScaleGroup, ListsTheTickedNotesFromTheBaseNoteWrappingPastB)
 {
     ChordCollection collection;
     ASSERT_EQ(collection.addBaseGroup("Mine"), 0);
-    std::array<bool, 12> ticks{};
-    for (int pc : {0, 2, 4, 5, 7, 9, 11})
-        ticks[static_cast<std::size_t>(pc)] = true;
+    const std::array<bool, 12> ticks{true,  false, true,  false, true,  true,
+                                     false, true,  false, true,  false, true}; // C major
     ASSERT_TRUE(collection.addScaleGroup(0, "G major", ticks, 7, true).ok());
     ASSERT_TRUE(collection.addScaleGroup(0, "from C#", ticks, 1, false).ok());
     const auto& sections = collection.baseGroups()[0].sections;
-    EXPECT_EQ(sections[0].notes, (std::vector<music::NoteValue>{7, 9, 11, 0, 2, 4, 5}));
+    EXPECT_EQ(sections[0].notes, (std::vector<NoteValue>{7, 9, 11, 0, 2, 4, 5}));
     EXPECT_TRUE(sections[0].scaleFlag);
-    EXPECT_EQ(sections[1].notes, (std::vector<music::NoteValue>{2, 4, 5, 7, 9, 11, 0}));
+    EXPECT_EQ(sections[1].notes, (std::vector<NoteValue>{2, 4, 5, 7, 9, 11, 0}));
     EXPECT_FALSE(sections[1].scaleFlag);
     EXPECT_FALSE(collection.addScaleGroup(5, "nowhere", ticks, 0, true).ok());
 }
 
-TEST(ChordListFile, WritesTheFormatLineByLine)
+TEST(ChordListFile, WritesTheFormatLineByLineAndRoundTripsByteForByte)
 {
     ChordCollection collection;
     collection.addBaseGroup("G");
@@ -127,11 +110,8 @@ TEST(ChordListFile, WritesTheFormatLineByLine)
                                  "plain\n1\n0\nsub\n2\nC\n3\n0\n4\n7\ngap\n2\n0\n120\n"
                                  "scale\n0\n1\n2\n0\n4\n";
     EXPECT_EQ(collection.toBytes(), expected);
-}
 
-TEST(ChordListFile, GeneratedListRoundTripsByteForByte)
-{
-    ChordCollection collection;
+    // A generated list with a scale group reads back to the same tree and the same bytes.
     collection.generateList(typesOf({{"5", "1;5;"}, {"m7", "1;b3;5;b7;"}, {"maj", "1;3;5;"}}));
     std::array<bool, 12> ticks{};
     ticks[0] = ticks[3] = ticks[7] = true;
@@ -144,13 +124,12 @@ TEST(ChordListFile, GeneratedListRoundTripsByteForByte)
     EXPECT_EQ(back.toBytes(), bytes);
 }
 
-TEST(ChordListFile, ReadsForeignLineEndsCaseAndNulBytes)
+TEST(ChordListFile, ReadsForeignLineEndsCaseAndNulBytesButRefusesOtherFiles)
 {
     const std::string lf =
         "Tonalmancer_Chords\n1\nG\n1\nS\n1\n1\n2\n0\n16\nsub\n1\nCm\n3\n0\n3\n7\n";
-    std::string crlf;
-    for (const char c : lf)
-        crlf += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    const std::string crlf = "Tonalmancer_Chords\r\n1\r\nG\r\n1\r\nS\r\n1\r\n1\r\n2\r\n0\r\n16\r\n"
+                             "sub\r\n1\r\nCm\r\n3\r\n0\r\n3\r\n7\r\n";
     std::string upper = lf;
     upper.replace(0, 18, "TONALMANCER_CHORDS");
     std::string nul = lf;
@@ -160,10 +139,10 @@ TEST(ChordListFile, ReadsForeignLineEndsCaseAndNulBytes)
     ASSERT_TRUE(reference.read(lf).ok());
     const auto& section = reference.baseGroups()[0].sections[0];
     EXPECT_TRUE(section.scaleFlag);
-    EXPECT_EQ(section.notes, (std::vector<music::NoteValue>{0, 16}));
-    EXPECT_TRUE(section.allows(24));  // a C
-    EXPECT_FALSE(section.allows(28)); // an E: the listed 16 is no pitch class
-    EXPECT_FALSE(section.allows(1));
+    EXPECT_EQ(section.notes, (std::vector<NoteValue>{0, 16}));
+    // A C is allowed; an E is not (the listed 16 is no pitch class), nor a C#.
+    EXPECT_EQ((std::vector<bool>{section.allows(24), section.allows(28), section.allows(1)}),
+              (std::vector<bool>{true, false, false}));
 
     for (const std::string& variant : {crlf, upper}) {
         ChordCollection other;
@@ -173,6 +152,13 @@ TEST(ChordListFile, ReadsForeignLineEndsCaseAndNulBytes)
     ChordCollection withNul;
     ASSERT_TRUE(withNul.read(nul).ok());
     EXPECT_EQ(withNul.baseGroups()[0].sections[0].subsections[0].chords[0].name, "C");
+
+    ChordCollection collection; // other files are refused
+    collection.addBaseGroup("kept?");
+    EXPECT_EQ(collection.read("Tonalmancer_Chord\n0\n").message(), "Seems to be no valid file.");
+    EXPECT_TRUE(collection.isEmpty());
+    EXPECT_EQ(collection.load("/nonexistent/x.crd").message(), "Error opening file.");
+    EXPECT_EQ(collection.save("/nonexistent/dir/x.crd").message(), "Error opening file.");
 }
 
 TEST(ChordListFile, KeepsCountsToSixteenBitsAndNotesToOneByte)
@@ -185,18 +171,7 @@ TEST(ChordListFile, KeepsCountsToSixteenBitsAndNotesToOneByte)
     ASSERT_TRUE(collection.read(bytes).ok());
     ASSERT_EQ(collection.baseGroups().size(), 1u);
     const auto& chords = collection.baseGroups()[0].sections[0].subsections[0].chords;
-    ASSERT_EQ(chords.size(), 2u);
-    EXPECT_EQ(chords[0].slots, (std::array<music::NoteValue, 5>{0, 4, 7, 11, 14}));
-    EXPECT_EQ(chords[1].name, "next");
-    EXPECT_EQ(chords[1].notes(), (std::vector<music::NoteValue>{5}));
-}
-
-TEST(ChordListFile, ReportsWrongMagicAndMissingFiles)
-{
-    ChordCollection collection;
-    collection.addBaseGroup("kept?");
-    EXPECT_EQ(collection.read("Tonalmancer_Chord\n0\n").message(), "Seems to be no valid file.");
-    EXPECT_TRUE(collection.isEmpty());
-    EXPECT_EQ(collection.load("/nonexistent/x.crd").message(), "Error opening file.");
-    EXPECT_EQ(collection.save("/nonexistent/dir/x.crd").message(), "Error opening file.");
+    ASSERT_EQ(namesOf(chords), (Names{"wide", "next"}));
+    EXPECT_EQ(chords[0].slots, (std::array<NoteValue, 5>{0, 4, 7, 11, 14}));
+    EXPECT_EQ(chords[1].notes(), (std::vector<NoteValue>{5}));
 }

@@ -7,12 +7,7 @@
 #include <string>
 #include <vector>
 
-using music::Chord;
-using music::ChordCollection;
-using music::ChordSearch;
-using music::ScaleSearch;
-using music::SearchCriteria;
-using music::TreePosition;
+using namespace music;
 
 namespace {
 
@@ -45,6 +40,17 @@ ChordCollection sampleCollection()
     return c;
 }
 
+/** Scales or chords, ticked pitch classes, the text to include and the text to skip, and the names
+ * of the hits. */
+struct SearchCase
+{
+    bool scales; // a scale search, else a chord search
+    SearchCriteria::Ticks ticks;
+    const char* include;
+    const char* skip;
+    std::vector<std::string> hits;
+};
+
 std::vector<std::string> names(const ChordCollection& c, const std::vector<TreePosition>& hits)
 {
     std::vector<std::string> out;
@@ -55,47 +61,11 @@ std::vector<std::string> names(const ChordCollection& c, const std::vector<TreeP
 
 } // namespace
 
-TEST(ChordSearch, MatchesNotesInAnyOctaveAndTextsIgnoringCase)
-{
-    const ChordCollection c = sampleCollection();
-    struct Case
-    {
-        SearchCriteria::Ticks ticks;
-        const char* include;
-        const char* skip;
-        std::vector<std::string> hits;
-    };
-    const Case cases[] = {
-        {ticksOf({0, 4, 7}), "", "", {"Cmaj", "Cmaj7", "C6/9 high"}},
-        {ticksOf({}), "", "", {"Cmaj", "Cmaj7", "Am", "C6/9 high", "E", "Fmaj"}},
-        {ticksOf({}), "Maj", "7", {"Cmaj", "Fmaj"}},
-        {ticksOf({}), "", "MAJ", {"Am", "C6/9 high", "E"}},
-        {ticksOf({}), "6/9 H", "", {"C6/9 high"}},
-        {ticksOf({0}), "m", "", {"Cmaj", "Cmaj7", "Am", "Fmaj"}},
-        // Seven ticks search only the five lowest: C D E G A, found in the 6/9 chord.
-        {ticksOf({0, 2, 4, 7, 9, 10, 11}), "", "", {"C6/9 high"}},
-        {ticksOf({1}), "", "", {}},
-    };
-    for (const Case& k : cases) {
-        const auto criteria = SearchCriteria::forChords(k.ticks, k.include, k.skip);
-        EXPECT_EQ(names(c, ChordSearch::allHits(c, criteria)), k.hits)
-            << k.include << " / " << k.skip;
-    }
-}
-
-TEST(ChordSearch, EmptySlotsAreNoNotes)
-{
-    // An empty slot (120) reduced to a pitch class would be a C; it must not count as one.
-    ChordCollection c;
-    c.addBaseGroup("g");
-    c.baseGroups()[0].sections.push_back({"s", false, {}, {{"u", {Chord::fromNotes("E", {4})}}}});
-    EXPECT_TRUE(ChordSearch::allHits(c, SearchCriteria::forChords(ticksOf({0}), "", "")).empty());
-}
-
-TEST(ChordSearch, NeverHitsTheSelectedChord)
+TEST(ChordSearch, FindNeverHitsTheSelectionAndContinueWraps)
 {
     const ChordCollection c = sampleCollection();
     ChordSearch search;
+    EXPECT_FALSE(search.continueSearch(c, std::nullopt).has_value()); // nothing searched yet
     const auto first = search.find(c, ticksOf({0, 4, 7}), "", "", std::nullopt);
     ASSERT_EQ(first, TreePosition::ofChord(0, 0, 0, 0));
     // Repeating the search moves on: the first hit is skipped because it is selected.
@@ -104,13 +74,6 @@ TEST(ChordSearch, NeverHitsTheSelectedChord)
     const auto only = search.find(c, ticksOf({}), "fmaj", "", std::nullopt);
     ASSERT_TRUE(only);
     EXPECT_FALSE(search.find(c, ticksOf({}), "fmaj", "", only).has_value());
-}
-
-TEST(ChordSearch, ContinuesAfterTheSelectionAndWraps)
-{
-    const ChordCollection c = sampleCollection();
-    ChordSearch search;
-    EXPECT_FALSE(search.continueSearch(c, std::nullopt).has_value()); // nothing searched yet
 
     auto selected = search.find(c, ticksOf({0, 4}), "", "", std::nullopt);
     std::vector<std::string> visited;
@@ -145,27 +108,36 @@ TEST(SearchHistory, AddsEachTextOnceIgnoringCaseAndStopsAt255)
     EXPECT_EQ(history.entries().back(), "text 254");
 }
 
-TEST(ScaleSearch, ListsEveryMatchingSection)
+TEST(Search, MatchesNotesInAnyOctaveAndTextsIgnoringCase)
 {
     const ChordCollection c = sampleCollection();
-    struct Case
-    {
-        SearchCriteria::Ticks ticks;
-        const char* include;
-        const char* skip;
-        std::vector<std::string> hits;
-    };
-    const Case cases[] = {
-        {ticksOf({}), "", "", {"S", "C major", "A minor", "plain"}},
+    const SearchCase cases[] = {
+        {false, ticksOf({0, 4, 7}), "", "", {"Cmaj", "Cmaj7", "C6/9 high"}},
+        {false, ticksOf({}), "", "", {"Cmaj", "Cmaj7", "Am", "C6/9 high", "E", "Fmaj"}},
+        {false, ticksOf({}), "Maj", "7", {"Cmaj", "Fmaj"}},
+        {false, ticksOf({}), "", "MAJ", {"Am", "C6/9 high", "E"}},
+        {false, ticksOf({}), "6/9 H", "", {"C6/9 high"}},
+        {false, ticksOf({0}), "m", "", {"Cmaj", "Cmaj7", "Am", "Fmaj"}},
+        // The E chord's empty slots (120) would be Cs as pitch classes; they are no notes.
+        {false, ticksOf({0}), "", "", {"Cmaj", "Cmaj7", "Am", "C6/9 high", "Fmaj"}},
+        // Seven ticks search only the five lowest: C D E G A, found in the 6/9 chord.
+        {false, ticksOf({0, 2, 4, 7, 9, 10, 11}), "", "", {"C6/9 high"}},
+        {false, ticksOf({1}), "", "", {}},
+
+        {true, ticksOf({}), "", "", {"S", "C major", "A minor", "plain"}},
         // Seven notes are all searched (no cap of five); unflagged sections drop out.
-        {ticksOf({0, 2, 4, 5, 7, 9, 11}), "", "", {"C major", "A minor"}},
-        {ticksOf({0, 1}), "", "", {}},
-        {ticksOf({9}), "MINOR", "", {"A minor"}},
-        {ticksOf({}), "", "major", {"S", "A minor", "plain"}},
+        {true, ticksOf({0, 2, 4, 5, 7, 9, 11}), "", "", {"C major", "A minor"}},
+        {true, ticksOf({0, 1}), "", "", {}},
+        {true, ticksOf({9}), "MINOR", "", {"A minor"}},
+        {true, ticksOf({}), "", "major", {"S", "A minor", "plain"}},
     };
-    for (const Case& k : cases) {
-        const auto criteria = SearchCriteria::forScales(k.ticks, k.include, k.skip);
-        EXPECT_EQ(names(c, ScaleSearch::allHits(c, criteria)), k.hits) << k.include;
+    for (const SearchCase& k : cases) {
+        const auto hits =
+            k.scales
+                ? ScaleSearch::allHits(c, SearchCriteria::forScales(k.ticks, k.include, k.skip))
+                : ChordSearch::allHits(c, SearchCriteria::forChords(k.ticks, k.include, k.skip));
+        EXPECT_EQ(names(c, hits), k.hits)
+            << (k.scales ? "scales " : "chords ") << k.include << " / " << k.skip;
     }
 }
 
@@ -174,14 +146,13 @@ TEST(ScaleSearch, SelectsTheFirstHitAfterTheSelection)
     const ChordCollection c = sampleCollection();
     ScaleSearch search;
     const auto all = ticksOf({0, 4, 7});
-    auto result = search.find(c, all, "", "", std::nullopt);
-    EXPECT_EQ(result.names, (std::vector<std::string>{"C major", "A minor"}));
-    EXPECT_EQ(result.selection, TreePosition::ofSection(1, 0));
-    result = search.find(c, all, "", "", TreePosition::ofSection(1, 0));
-    EXPECT_EQ(result.selection, TreePosition::ofSection(1, 1));
-    result = search.find(c, all, "", "", TreePosition::ofSection(1, 1));
-    EXPECT_EQ(result.selection, TreePosition::ofSection(1, 0)); // wrapped
-    result = search.find(c, ticksOf({1}), "", "", TreePosition::ofSection(1, 1));
+    EXPECT_EQ(search.find(c, all, "", "", std::nullopt).names,
+              (std::vector<std::string>{"C major", "A minor"}));
+    const auto first = TreePosition::ofSection(1, 0), second = TreePosition::ofSection(1, 1);
+    EXPECT_EQ(search.find(c, all, "", "", std::nullopt).selection, first);
+    EXPECT_EQ(search.find(c, all, "", "", first).selection, second);
+    EXPECT_EQ(search.find(c, all, "", "", second).selection, first); // wrapped
+    const auto result = search.find(c, ticksOf({1}), "", "", second);
     EXPECT_TRUE(result.names.empty());
     EXPECT_FALSE(result.selection.has_value());
 }

@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -32,81 +33,50 @@ TEST(TextLineReader, CleansLinesAsTheFilesExpect)
 
 TEST(TextLineReader, ConvertsNumbersTheWayAtoiDoes)
 {
-    struct Case
-    {
-        const char* text;
-        std::int32_t value;
-    };
-    const Case cases[] = {
-        {" -12abc", -12}, {"300", 300}, {"+7", 7},  {"abc", 0},       {"", 0},
-        {"- 5", 0},       {"\t42", 42}, {"007", 7}, {"65536", 65536},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(TextLineReader::toInt(c.text), c.value) << c.text;
-    EXPECT_EQ(TextLineReader::toInt("300") & 0xFF, 44);
-    EXPECT_EQ(TextLineReader::toInt("-1") & 0xFFFF, 0xFFFF);
     // Beyond 32 bits the digits wrap instead of overflowing into undefined behaviour.
-    EXPECT_EQ(TextLineReader::toInt("4294967297"), 1);
-}
-
-TEST(TextHelpers, CompareAndLowerAsciiOnly)
-{
-    EXPECT_TRUE(music::equalsIgnoringCase("Tonalmancer_Chords", "TONALMANCER_CHORDS"));
-    EXPECT_FALSE(music::equalsIgnoringCase("Tonalmancer_Chords", "Tonalmancer_Chord"));
-    EXPECT_EQ(music::toLower("Cmaj7 #9TH"), "cmaj7 #9th");
+    const std::pair<const char*, std::int32_t> cases[] = {
+        {" -12abc", -12}, {"300", 300}, {"+7", 7},  {"abc", 0},       {"", 0},
+        {"- 5", 0},       {"\t42", 42}, {"007", 7}, {"65536", 65536}, {"4294967297", 1}};
+    for (const auto& [text, value] : cases)
+        EXPECT_EQ(TextLineReader::toInt(text), value) << text;
 }
 
 class SafeFileWriterTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        m_dir =
-            fs::temp_directory_path() /
-            ("tm-music-safe-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-             "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(m_dir);
-        fs::create_directories(m_dir);
-    }
+    void SetUp() override { fs::create_directories(m_dir); }
     void TearDown() override { fs::remove_all(m_dir); }
+    long filesIn() const { return std::distance(fs::directory_iterator(m_dir), {}); }
 
-    std::size_t filesIn() const
-    {
-        return static_cast<std::size_t>(
-            std::distance(fs::directory_iterator(m_dir), fs::directory_iterator()));
-    }
-
-    fs::path m_dir;
+    const fs::path m_dir =
+        fs::temp_directory_path() / ("tm-music-safe-" + std::to_string(std::random_device{}()));
 };
 
-TEST_F(SafeFileWriterTest, ReplacesTheFileOnlyAfterSuccess)
+TEST_F(SafeFileWriterTest, ReplacesTheFileOnlyAfterAWholeWrite)
 {
     const fs::path target = m_dir / "list.ccl";
     ASSERT_TRUE(music::writeFileSafely(target, "old"));
     ASSERT_TRUE(music::writeFileSafely(target, "new content"));
     EXPECT_EQ(music::readFileBytes(target), "new content");
-    EXPECT_EQ(filesIn(), 1u);
+    EXPECT_EQ(filesIn(), 1);
 
     music::SafeFileWriter abandoned(target);
     ASSERT_TRUE(abandoned.open());
     abandoned.write("half");
     abandoned.discard();
     EXPECT_EQ(music::readFileBytes(target), "new content");
-    EXPECT_EQ(filesIn(), 1u);
+    EXPECT_EQ(filesIn(), 1);
     EXPECT_FALSE(music::writeFileSafely(m_dir / "missing" / "x.crd", "data"));
-}
 
 #ifndef _WIN32
-TEST_F(SafeFileWriterTest, AWriteCutShortLeavesTheOldFileAndNoTemporary)
-{
-    const fs::path target = m_dir / "default.crd";
+    // A write cut short (the child may write at most 100 bytes to any file; more fails with
+    // EFBIG) leaves the old file and no temporary.
     const std::string old(1000, 'o');
     ASSERT_TRUE(music::writeFileSafely(target, old));
 
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        // The child may write at most 100 bytes to any file; more fails with EFBIG.
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{100, 100};
         setrlimit(RLIMIT_FSIZE, &limit);
@@ -118,6 +88,6 @@ TEST_F(SafeFileWriterTest, AWriteCutShortLeavesTheOldFileAndNoTemporary)
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), 0) << "the save should have failed";
     EXPECT_EQ(music::readFileBytes(target), old);
-    EXPECT_EQ(filesIn(), 1u);
-}
+    EXPECT_EQ(filesIn(), 1);
 #endif
+}
