@@ -1,8 +1,7 @@
-"""Plays a MIDI file written by `tonalmancer-cli midi` through FluidSynth into a WAV file and
-checks that it is silent before the notes start and sounds while they should.
-
-Usage: check_with_fluidsynth.py PATH/TO/tonalmancer-cli
-Exit 0 on success, 1 on a failure, 77 when fluidsynth or the General MIDI soundfont is missing."""
+# Plays a MIDI file written by `tonalmancer-cli midi` through FluidSynth into a WAV file and
+# checks that it is silent before the notes start and sounds while they should.
+# Usage: check_with_fluidsynth.py PATH/TO/tonalmancer-cli
+# Exit 0 on success, 1 on a failure, 77 when fluidsynth or the General MIDI soundfont is missing.
 
 import array
 import math
@@ -20,68 +19,50 @@ SOUNDFONTS = ["/usr/share/sounds/sf2/TimGM6mb.sf2", "/usr/share/sounds/sf2/Fluid
 RATE = 44100
 
 
-def window_rms(samples, channels, start_s, end_s):
-    first = int(start_s * RATE) * channels
-    last = int(end_s * RATE) * channels
-    chunk = samples[first:last]
-    if not chunk:
-        return 0.0
-    return math.sqrt(sum(x * x for x in chunk) / len(chunk))
-
-
 def main():
     fluidsynth = shutil.which("fluidsynth")
     soundfont = next((s for s in SOUNDFONTS if os.path.exists(s)), None)
     if fluidsynth is None or soundfont is None:
         print("SKIP: fluidsynth or a General MIDI soundfont is missing")
         return 77
-    cli = sys.argv[1]
 
     # Eight silent rows, then a C major triad held for 16 rows. At 120 BPM and 4 rows a beat a
     # row lasts 125 ms; the silent first row delays the notes by one more row, so they sound
     # from row 9 (1.125 s) to row 25 (3.125 s).
     pattern = pf.Pattern("late chord")
-    for track, index in ((0, 0), (1, 1), (2, 2)):
-        pattern.put(track, 8, pf.CHORD_NOTE, index)
-    text = pf.part_text([pattern], [("C", [0, 4, 7], 0, 24)], base_octave=5, bpm=120, tpb=4)
-
+    for track in range(3):
+        pattern.put(track, 8, pf.CHORD_NOTE, track)
     with tempfile.TemporaryDirectory() as folder:
-        part_path = os.path.join(folder, "chord.prt")
+        part_path, midi_path, wav_path = (os.path.join(folder, "chord" + ext)
+                                          for ext in (".prt", ".mid", ".wav"))
         with open(part_path, "w") as f:
-            f.write(text)
-        midi_path = os.path.join(folder, "chord.mid")
-        wav_path = os.path.join(folder, "chord.wav")
-        subprocess.run([cli, "midi", "--part", part_path, "-o", midi_path, "--write-bpm",
+            f.write(pf.part_text([pattern], [("C", [0, 4, 7], 0, 24)]))
+        subprocess.run([sys.argv[1], "midi", "--part", part_path, "-o", midi_path, "--write-bpm",
                         "--velocity", "112", "--seed", "3"], check=True)
         subprocess.run([fluidsynth, "-ni", "-F", wav_path, "-r", str(RATE), soundfont, midi_path],
                        check=True, capture_output=True)
-
         with wave.open(wav_path, "rb") as wav:
-            if wav.getsampwidth() != 2:
-                print("FAIL: expected 16-bit samples, got", wav.getsampwidth() * 8)
-                return 1
+            sample_bits = wav.getsampwidth() * 8
             channels = wav.getnchannels()
             samples = array.array("h", wav.readframes(wav.getnframes()))
-            if sys.byteorder == "big":
-                samples.byteswap()
             duration = wav.getnframes() / wav.getframerate()
+    if sys.byteorder == "big":
+        samples.byteswap()
 
-    onset = next((i // channels for i, x in enumerate(samples) if abs(x) > 100), None)
-    onset_s = onset / RATE if onset is not None else float("nan")
-    before = window_rms(samples, channels, 0.0, 1.0)
-    during = window_rms(samples, channels, 1.2, 3.0)
-    after = window_rms(samples, channels, 3.6, 4.5)
-    print(f"duration {duration:.2f} s, first sound at {onset_s:.3f} s, RMS before {before:.1f}, "
+    def rms(start_s, end_s):
+        chunk = samples[int(start_s * RATE) * channels:int(end_s * RATE) * channels]
+        return math.sqrt(sum(x * x for x in chunk) / len(chunk)) if chunk else 0.0
+
+    onset = next((i // channels / RATE for i, x in enumerate(samples) if abs(x) > 100), math.nan)
+    before, during, after = rms(0.0, 1.0), rms(1.2, 3.0), rms(3.6, 4.5)
+    print(f"duration {duration:.2f} s, first sound at {onset:.3f} s, RMS before {before:.1f}, "
           f"while sounding {during:.1f}, after the note offs {after:.1f}")
-    failures = []
-    if duration < 3.5:
-        failures.append("the rendering ends before the notes do")
-    if not 1.10 <= onset_s <= 1.16:
-        failures.append("the chord does not start at 1.125 s")
-    if during < 20 * max(before, 1.0):
-        failures.append("silence where the chord should sound")
-    if after > 5:
-        failures.append("the chord still sounds after its note offs")
+    failures = [text for failed, text in [
+        (sample_bits != 16, f"expected 16-bit samples, got {sample_bits}"),
+        (duration < 3.5, "the rendering ends before the notes do"),
+        (not 1.10 <= onset <= 1.16, "the chord does not start at 1.125 s"),
+        (during < 20 * max(before, 1.0), "silence where the chord should sound"),
+        (after > 5, "the chord still sounds after its note offs")] if failed]
     for failure in failures:
         print("FAIL:", failure)
     return 1 if failures else 0

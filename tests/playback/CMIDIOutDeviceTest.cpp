@@ -1,4 +1,4 @@
-#include "FakePorts.h"
+#include "PlaybackTestSupport.h"
 
 #include "midi/CMIDIOutDevice.h"
 #include "midi/CMIDIOutEventFailure.h"
@@ -13,148 +13,123 @@
 
 using midi::CMIDIOutDevice;
 using midi::ShortMessage;
+using Bytes = std::vector<std::uint8_t>;
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+const std::uint32_t kNoteOn = ShortMessage::pack(0x90, 0, 60, 100);
 
-std::shared_ptr<FakePortList> twoPorts()
+/** The text of the exception `action` throws, empty when it throws none. */
+template <typename Exception, typename Action> std::string thrownText(Action action)
 {
-    return std::make_shared<FakePortList>(std::vector<std::string>{"Fake: A", "Fake: B"});
-}
-
-/** Waits (bounded) until the log holds `count` messages; long messages arrive from the worker. */
-bool waitForMessages(FakePortLog& log, std::size_t count)
-{
-    for (int i = 0; i < 500; ++i) {
-        if (log.snapshot().size() >= count)
-            return true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    try {
+        action();
+    } catch (const Exception& error) {
+        return error.what();
     }
-    return false;
+    return {};
 }
+
+class CMIDIOutDeviceTest : public ::testing::Test
+{
+protected:
+    std::string sendFailure(std::uint32_t message)
+    {
+        return thrownText<midi::CMIDIOutException>([&] { m_device.send(message); });
+    }
+
+    std::shared_ptr<FakePortList> m_ports =
+        std::make_shared<FakePortList>(std::vector<std::string>{"Fake: A", "Fake: B"});
+    CMIDIOutDevice m_device{m_ports};
+};
 
 } // namespace
 
-TEST(CMIDIOutDevice, DoesNothingWhileClosed)
+TEST_F(CMIDIOutDeviceTest, SendsNothingWhileClosedOrWhenTheDeviceCannotBeOpened)
 {
-    const auto ports = twoPorts();
-    CMIDIOutDevice device(ports);
-    EXPECT_FALSE(device.isOpen());
-    EXPECT_NO_THROW(device.send(ShortMessage::pack(0x90, 0, 60, 100)));
-    EXPECT_NO_THROW(device.sendLong({0xF0, 0x7E, 0xF7}));
-    EXPECT_NO_THROW(device.close());
-    EXPECT_EQ(ports->log->opened, 0);
-    EXPECT_TRUE(ports->log->messages.empty());
-}
-
-TEST(CMIDIOutDevice, OpenFailsQuietlyForDevicesItCannotOpen)
-{
-    const auto ports = twoPorts();
-    ports->refuse(1);
-    CMIDIOutDevice device(ports);
+    EXPECT_NO_THROW(m_device.send(kNoteOn));
+    EXPECT_NO_THROW(m_device.sendLong({0xF0, 0x7E, 0xF7}));
+    EXPECT_NO_THROW(m_device.close());
+    m_ports->refused = 1;
     for (const unsigned number : {1u, 2u, 255u, 0xFFFFFFFFu}) {
-        EXPECT_FALSE(device.open(number)) << number;
-        EXPECT_FALSE(device.isOpen());
-        device.send(ShortMessage::pack(0x90, 0, 60, 100)); // still closed: nothing
+        EXPECT_FALSE(m_device.open(number)) << number;
+        EXPECT_FALSE(m_device.isOpen());
+        m_device.send(kNoteOn);
     }
-    EXPECT_EQ(ports->log->opened, 0);
-    EXPECT_TRUE(ports->log->messages.empty());
+    EXPECT_EQ(m_ports->opened, 0);
+    EXPECT_TRUE(m_ports->snapshot().empty());
 }
 
-TEST(CMIDIOutDevice, OpenWhileOpenedClosesTheFirstPort)
+TEST_F(CMIDIOutDeviceTest, OpenWhileOpenedClosesTheFirstPortEvenWhenTheSecondFails)
 {
-    const auto ports = twoPorts();
-    CMIDIOutDevice device(ports);
-    ASSERT_TRUE(device.open(0));
-    ASSERT_TRUE(device.open(1));
-    EXPECT_EQ(ports->log->opened, 2);
-    EXPECT_EQ(ports->log->closed, 1);
-    EXPECT_TRUE(device.isOpen());
-    device.close();
-    device.close();
-    EXPECT_EQ(ports->log->closed, 2);
-    EXPECT_FALSE(device.isOpen());
+    ASSERT_TRUE(m_device.open(0));
+    ASSERT_TRUE(m_device.open(1));
+    EXPECT_EQ(m_ports->opened, 2);
+    EXPECT_EQ(m_ports->closed, 1);
+    m_device.close();
+    m_device.close();
+    EXPECT_EQ(m_ports->closed, 2);
+    EXPECT_FALSE(m_device.isOpen());
 
-    ASSERT_TRUE(device.open(0));
-    EXPECT_FALSE(device.open(7)); // a failed open still closed the first port
-    EXPECT_FALSE(device.isOpen());
-    EXPECT_EQ(ports->log->closed, 3);
+    ASSERT_TRUE(m_device.open(0));
+    EXPECT_FALSE(m_device.open(7));
+    EXPECT_FALSE(m_device.isOpen());
+    EXPECT_EQ(m_ports->closed, 3);
 }
 
-TEST(CMIDIOutDevice, SendsWireBytesButNeverStatusFfOrDataWithoutStatus)
+TEST_F(CMIDIOutDeviceTest, SendsWireBytesButNeverStatusFfOrDataWithoutStatus)
 {
-    const auto ports = twoPorts();
-    CMIDIOutDevice device(ports);
-    ASSERT_TRUE(device.open(0));
-    device.send(3u << 16 | 0x1FF); // port selection: not for real ports
-    device.send(0x000000FF);       // a bare System Reset is not sent either
-    device.send(0x00643C);         // no status byte
-    device.send(ShortMessage::pack(0xC0, 2, 41, 0));
-    device.send(ShortMessage::pack(0x90, 2, 60, 100));
-    EXPECT_EQ(ports->log->snapshot(), (std::vector<Bytes>{{0xC2, 41}, {0x92, 60, 100}}));
+    ASSERT_TRUE(m_device.open(0));
+    m_device.send(3u << 16 | 0x1FF); // port selection: not for real ports
+    m_device.send(0x000000FF);       // a bare System Reset is not sent either
+    m_device.send(0x00643C);         // no status byte
+    m_device.send(ShortMessage::pack(0xC0, 2, 41, 0));
+    m_device.send(ShortMessage::pack(0x90, 2, 60, 100));
+    EXPECT_EQ(m_ports->snapshot(), (std::vector<Bytes>{{0xC2, 41}, {0x92, 60, 100}}));
 }
 
-TEST(CMIDIOutDevice, SendFailureThrowsTheSystemTextCutTo127Characters)
+TEST_F(CMIDIOutDeviceTest, SendFailureThrowsTheSystemTextCutTo127Characters)
 {
-    const auto ports = twoPorts();
-    ports->log->failAfter = 1;
-    CMIDIOutDevice device(ports);
-    ASSERT_TRUE(device.open(0));
-    device.send(ShortMessage::pack(0x90, 0, 60, 100));
-    try {
-        device.send(ShortMessage::pack(0x80, 0, 60, 0));
-        FAIL() << "no exception";
-    } catch (const midi::CMIDIOutException& error) {
-        EXPECT_STREQ(error.what(), "The port has gone away.");
-        const midi::CMIDIOutException copy = error;
-        EXPECT_STREQ(copy.what(), error.what());
-    }
-    EXPECT_TRUE(device.isOpen()); // the caller decides to stop
+    m_ports->failAfter = 1;
+    ASSERT_TRUE(m_device.open(0));
+    EXPECT_EQ(sendFailure(kNoteOn), "");
+    EXPECT_EQ(sendFailure(ShortMessage::pack(0x80, 0, 60, 0)), "The port has gone away.");
+    EXPECT_TRUE(m_device.isOpen()); // the caller decides to stop
 
     const midi::CMIDIOutException longText(std::string(300, 'x'));
-    EXPECT_EQ(std::string(longText.what()), std::string(127, 'x'));
+    const midi::CMIDIOutException copy = longText;
+    EXPECT_EQ(std::string(copy.what()), std::string(127, 'x'));
 }
 
-TEST(CMIDIOutDevice, WorkerSendsLongMessagesInOrder)
+TEST_F(CMIDIOutDeviceTest, WorkerSendsLongMessagesInOrder)
 {
-    const auto ports = twoPorts();
-    CMIDIOutDevice device(ports);
-    ASSERT_TRUE(device.open(1));
+    ASSERT_TRUE(m_device.open(1));
     std::vector<Bytes> expected;
     for (std::uint8_t i = 0; i < 50; ++i) {
         expected.push_back({0xF0, 0x7D, i, 0xF7});
-        device.sendLong(expected.back());
+        m_device.sendLong(expected.back());
     }
-    ASSERT_TRUE(waitForMessages(*ports->log, expected.size()));
-    EXPECT_EQ(ports->log->snapshot(), expected);
+    for (int i = 0; i < 500 && m_ports->snapshot().size() < expected.size(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    EXPECT_EQ(m_ports->snapshot(), expected);
 }
 
-TEST(CMIDIOutDevice, LongMessageFailureIsReportedByTheNextSend)
+TEST_F(CMIDIOutDeviceTest, LongMessageFailureIsReportedOnceByTheNextSend)
 {
-    const auto ports = twoPorts();
-    ports->log->failAfter = 0;
-    ports->log->failureText = "SysEx refused.";
-    CMIDIOutDevice device(ports);
-    ASSERT_TRUE(device.open(0));
-    device.sendLong({0xF0, 0x01, 0xF7});
-    bool thrown = false;
-    for (int i = 0; i < 500 && !thrown; ++i) {
-        try {
-            device.send(0x000000FF); // not forwarded, but reports the worker's failure
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        } catch (const midi::CMIDIOutException& error) {
-            EXPECT_STREQ(error.what(), "SysEx refused.");
-            thrown = true;
-        }
-    }
-    EXPECT_TRUE(thrown);
-    EXPECT_NO_THROW(device.send(0x000000FF)); // reported once
+    m_ports->failAfter = 0;
+    m_ports->failureText = "SysEx refused.";
+    ASSERT_TRUE(m_device.open(0));
+    m_device.sendLong({0xF0, 0x01, 0xF7});
+    std::string text; // a System Reset is not forwarded, but reports the worker's failure
+    for (int i = 0; i < 500 && (text = sendFailure(0x000000FF)).empty(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    EXPECT_EQ(text, "SysEx refused.");
+    EXPECT_EQ(sendFailure(0x000000FF), "");
 }
 
 TEST(CMIDIOutDevice, ClosingAndDestroyingWithQueuedMessagesEndsTheWorker)
 {
-    const auto ports = twoPorts();
+    const auto ports = std::make_shared<FakePortList>(std::vector<std::string>{"A", "B"});
     {
         CMIDIOutDevice device(ports);
         for (int round = 0; round < 20; ++round) {
@@ -165,26 +140,38 @@ TEST(CMIDIOutDevice, ClosingAndDestroyingWithQueuedMessagesEndsTheWorker)
                 device.close();
         }
     } // destroyed while opened: must not hang or leak the port
-    EXPECT_EQ(ports->log->opened, 20);
-    EXPECT_EQ(ports->log->closed, 20);
+    EXPECT_EQ(ports->opened, 20);
+    EXPECT_EQ(ports->closed, 20);
 }
 
-TEST(CMIDIOutDevice, CapabilitiesNameTheDeviceAndRejectBadNumbers)
+TEST_F(CMIDIOutDeviceTest, CapabilitiesNameTheDeviceAndRejectBadNumbers)
 {
-    const auto ports = twoPorts();
-    EXPECT_EQ(CMIDIOutDevice::deviceCount(ports.get()), 2u);
-    EXPECT_EQ(CMIDIOutDevice::capabilities(1, ports.get()).name, "Fake: B");
-    EXPECT_THROW(CMIDIOutDevice::capabilities(2, ports.get()), midi::CMIDIOutException);
-    EXPECT_THROW(CMIDIOutDevice::capabilities(255, ports.get()), midi::CMIDIOutException);
+    EXPECT_EQ(CMIDIOutDevice::deviceCount(m_ports.get()), 2u);
+    EXPECT_EQ(CMIDIOutDevice::capabilities(1, m_ports.get()).name, "Fake: B");
+    EXPECT_THROW(CMIDIOutDevice::capabilities(2, m_ports.get()), midi::CMIDIOutException);
+    EXPECT_THROW(CMIDIOutDevice::capabilities(255, m_ports.get()), midi::CMIDIOutException);
 }
 
 TEST(CMIDIOutDevice, ConstructionWithoutADeviceListFailsWithTheEventMessage)
 {
-    try {
-        CMIDIOutDevice device(nullptr);
-        FAIL() << "no exception";
-    } catch (const midi::CMIDIOutEventFailure& error) {
-        EXPECT_STREQ(error.what(),
-                     "Unable to create a signalling event for CMIDIOutDevice object.");
-    }
+    EXPECT_EQ(thrownText<midi::CMIDIOutEventFailure>([] { CMIDIOutDevice device(nullptr); }),
+              "Unable to create a signalling event for CMIDIOutDevice object.");
+}
+
+TEST(ShortMessage, PacksLowByteFirstAndWiresTheLengthOfTheStatus)
+{
+    const std::vector<std::pair<std::uint32_t, Bytes>> cases = {
+        {0x00643C90, {0x90, 0x3C, 0x64}}, // note on
+        {0x00003C81, {0x81, 0x3C, 0x00}}, // note off keeps its velocity byte
+        {0x00642AC3, {0xC3, 0x2A}},       // program change: one data byte
+        {0x000040D0, {0xD0, 0x40}},       // channel pressure
+        {0x004020E5, {0xE5, 0x20, 0x40}}, // pitch bend
+        {0x000000F8, {0xF8}},             // clock: status alone
+        {0x00000AF3, {0xF3, 0x0A}},       // song select
+        {0x00C83C90, {0x90, 0x3C, 0x7F}}, // velocity 200 would read as a status byte: 127
+        {0x00649990, {0x90, 0x7F, 0x64}},
+    };
+    for (const auto& [packed, bytes] : cases)
+        EXPECT_EQ(ShortMessage::wireBytes(packed), bytes) << std::hex << packed;
+    EXPECT_EQ(ShortMessage::pack(0x90, 0x0F, 60, 100), 0x00643C9Fu) << "data low byte first";
 }

@@ -1,247 +1,195 @@
-#include "FakePorts.h"
-#include "TestPart.h"
+#include "PlaybackTestSupport.h"
 
 #include "app/player/PartPlayer.h"
-#include "midi/ShortMessage.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
-#include <QTimer>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using player::PartPlayer;
 using Bytes = std::vector<std::uint8_t>;
+using Notes = std::vector<int>; // status, note, status, note...
+using Flags = std::vector<std::pair<bool, bool>>;
+constexpr auto kStarted = PartPlayer::StartResult::Started;
 
 namespace {
-
-void ensureApplication()
-{
-    static int argc = 1;
-    static char name[] = "playback_tests";
-    static char* argv[] = {name, nullptr};
-    if (QCoreApplication::instance() == nullptr)
-        new QCoreApplication(argc, argv); // lives for the whole test run
-}
-
-/** Runs the event loop until the player finishes; false when it does not within `limitMs`. */
-bool runUntilFinished(PartPlayer& player, int limitMs = 5000)
-{
-    if (!player.isPlaying())
-        return true;
-    QEventLoop loop;
-    bool done = false;
-    QObject::connect(&player, &PartPlayer::finished, &loop, [&] {
-        done = true;
-        loop.quit();
-    });
-    QTimer::singleShot(limitMs, &loop, &QEventLoop::quit);
-    loop.exec();
-    return done;
-}
-
-/** Note messages only, as (status, note), velocities left out: they carry a random jitter. */
-std::vector<std::pair<int, int>> notesOf(const std::vector<Bytes>& messages)
-{
-    std::vector<std::pair<int, int>> notes;
-    for (const Bytes& m : messages) {
-        if ((m[0] & 0xE0) == 0x80)
-            notes.emplace_back(m[0], m[1]);
-    }
-    return notes;
-}
 
 class PartPlayerTest : public ::testing::Test
 {
 protected:
     void SetUp() override
     {
-        ensureApplication();
-        midi::MidiSettings settings;
-        settings.setDeviceNumber(1);
-        settings.setChannel(3);
-        settings.setPort(2);
-        settings.setProgram(41);
-        m_player.setSettings(settings);
+        static int argc = 1;
+        static char* argv[] = {const_cast<char*>("playback_tests"), nullptr};
+        [[maybe_unused]] static const auto* app =
+            new QCoreApplication(argc, argv); // kept to the end
+        change([](midi::MidiSettings& s) {
+            s.setDeviceNumber(1);
+            s.setChannel(3);
+            s.setPort(2);
+            s.setProgram(41);
+        });
         m_player.setTempo(600, 20); // 5 ms steps keep the tests short
         QObject::connect(&m_player, &PartPlayer::failed,
                          [this](const QString& text) { m_failures.push_back(text.toStdString()); });
-        QObject::connect(&m_player, &PartPlayer::messageSent,
-                         [this](quint32 packed) { m_sent.push_back(packed); });
         QObject::connect(&m_player, &PartPlayer::playingChanged, [this](bool playing, bool single) {
             m_flags.emplace_back(playing, single);
         });
+    }
+
+    void change(const std::function<void(midi::MidiSettings&)>& edit)
+    {
+        midi::MidiSettings settings = m_player.settings();
+        edit(settings);
+        m_player.setSettings(settings);
+    }
+
+    /** Runs the event loop until the player finishes; false when it does not within 5 s. */
+    bool runUntilFinished()
+    {
+        for (int ms = 0; ms < 5000 && m_player.isPlaying(); ++ms, QThread::msleep(1))
+            QCoreApplication::processEvents();
+        return !m_player.isPlaying();
+    }
+
+    /** Status and note of each note message the port received; velocities carry a jitter. */
+    Notes notes() const
+    {
+        Notes out;
+        for (const Bytes& m : m_ports->snapshot())
+            if ((m[0] & 0xE0) == 0x80)
+                out.insert(out.end(), {m[0], m[1]});
+        return out;
     }
 
     std::shared_ptr<FakePortList> m_ports =
         std::make_shared<FakePortList>(std::vector<std::string>{"Fake: A", "Fake: B"});
     PartPlayer m_player{m_ports};
     std::vector<std::string> m_failures;
-    std::vector<quint32> m_sent;
-    std::vector<std::pair<bool, bool>> m_flags;
+    Flags m_flags;
 };
 
 } // namespace
 
 TEST(PartPlayerInterval, IsSixtyThousandOverBpmTimesTpbTruncated)
 {
-    struct Case
-    {
-        int bpm, tpb;
-        std::uint16_t interval;
-    };
-    const std::vector<Case> cases = {
+    // BPM, TPB and the step interval in milliseconds.
+    const std::vector<std::tuple<int, int, std::uint16_t>> cases = {
         {120, 4, 125},     {126, 4, 119}, {1, 1, 60000},  {60000, 1, 1},
         {65535, 65535, 0}, {0, 4, 60000}, {-5, 4, 60000},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(PartPlayer::intervalFor(c.bpm, c.tpb), c.interval) << c.bpm << " x " << c.tpb;
+    for (const auto& [bpm, tpb, interval] : cases)
+        EXPECT_EQ(PartPlayer::intervalFor(bpm, tpb), interval) << bpm << " x " << tpb;
 }
 
 TEST_F(PartPlayerTest, PlaysThePartAfterPortSelectionAndProgram)
 {
-    ASSERT_EQ(m_player.playPart(makeTestPart(), part::kNoIndex), PartPlayer::StartResult::Started);
+    ASSERT_EQ(m_player.playPart(makeTestPart(), part::kNoIndex), kStarted);
     EXPECT_TRUE(m_player.isPlaying());
     EXPECT_FALSE(m_player.isPlayingSingleChord());
-    ASSERT_TRUE(runUntilFinished(m_player));
+    ASSERT_TRUE(runUntilFinished());
 
-    ASSERT_GE(m_sent.size(), 2u);
-    EXPECT_EQ(m_sent[0], 0x0201FFu); // FF 01 port 2 goes to the device...
-    const std::vector<Bytes> received = m_ports->log->snapshot();
+    // The port selection FF 01 02 goes first, but a device passes only the program change on.
+    const std::vector<Bytes> received = m_ports->snapshot();
     ASSERT_FALSE(received.empty());
-    EXPECT_EQ(received[0], (Bytes{0xC3, 41})); // ...which passes only the program change on
-    const std::vector<std::pair<int, int>> expected = {{0x93, 48}, {0x93, 52}, {0x83, 48},
-                                                       {0x93, 53}, {0x83, 52}, {0x93, 57},
-                                                       {0x83, 53}, {0x83, 57}};
-    EXPECT_EQ(notesOf(received), expected);
-    EXPECT_EQ(received.size(), m_sent.size() - 1);
+    EXPECT_EQ(received[0], (Bytes{0xC3, 41}));
+    EXPECT_EQ(notes(), (Notes{0x93, 48, 0x93, 52, 0x83, 48, 0x93, 53, 0x83, 52, 0x93, 57, 0x83, 53,
+                              0x83, 57}));
+    EXPECT_EQ(received.size(), 9u);
 
     EXPECT_FALSE(m_player.isPlaying());
-    EXPECT_EQ(m_flags, (std::vector<std::pair<bool, bool>>{{true, false}, {false, false}}));
-    EXPECT_EQ(m_ports->log->closed, 1); // the device is open exactly while playing
+    EXPECT_EQ(m_flags, (Flags{{true, false}, {false, false}}));
+    EXPECT_EQ(m_ports->closed, 1); // the device is open exactly while playing
     EXPECT_EQ(m_player.settings().programAt(2, 3), 41);
     EXPECT_TRUE(m_failures.empty());
 }
 
-TEST_F(PartPlayerTest, SingleChordEndsAfterItsChord)
-{
-    ASSERT_EQ(m_player.playSingleChord(makeTestPart(), 1), PartPlayer::StartResult::Started);
-    EXPECT_TRUE(m_player.isPlayingSingleChord());
-    ASSERT_TRUE(runUntilFinished(m_player));
-    const std::vector<std::pair<int, int>> expected = {
-        {0x93, 53}, {0x93, 57}, {0x83, 53}, {0x83, 57}};
-    EXPECT_EQ(notesOf(m_ports->log->snapshot()), expected);
-    EXPECT_EQ(m_flags, (std::vector<std::pair<bool, bool>>{{true, true}, {false, false}}));
-}
-
-TEST_F(PartPlayerTest, StopSendsNoteOffsForSoundingTracksOnly)
+TEST_F(PartPlayerTest, StopAndRestartEndOnlyTheSoundingNotesOnce)
 {
     m_player.setTempo(1, 1); // a minute per step: only stop ends it
-    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), PartPlayer::StartResult::Started);
+    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), kStarted);
+    ASSERT_EQ(m_player.playSingleChord(makeTestPart(), 1), kStarted);
     m_player.stop();
     m_player.stop(); // only while playing
-    const std::vector<std::pair<int, int>> expected = {
-        {0x93, 48}, {0x93, 52}, {0x83, 48}, {0x83, 52}};
-    EXPECT_EQ(notesOf(m_ports->log->snapshot()), expected);
+    // The first playback's two notes and their note-offs, then the single chord's.
+    EXPECT_EQ(notes(), (Notes{0x93, 48, 0x93, 52, 0x83, 48, 0x83, 52, 0x93, 53, 0x93, 57, 0x83, 53,
+                              0x83, 57}));
     EXPECT_FALSE(m_player.isPlaying());
-    EXPECT_EQ(m_ports->log->closed, 1);
+    EXPECT_EQ(m_flags, (Flags{{true, false}, {false, false}, {true, true}, {false, false}}));
+    EXPECT_EQ(m_ports->opened, 2);
+    EXPECT_EQ(m_ports->closed, 2);
 }
 
 TEST_F(PartPlayerTest, NoDeviceAsksForSettingsAndGivesUpSilently)
 {
-    midi::MidiSettings settings = m_player.settings();
-    settings.setDeviceNumber(255);
-    m_player.setSettings(settings);
+    change([](midi::MidiSettings& s) { s.setDeviceNumber(255); });
     int asked = 0;
     m_player.setSettingsRequest([&asked](midi::MidiSettings&) { ++asked; });
     EXPECT_EQ(m_player.playPart(makeTestPart(), 0), PartPlayer::StartResult::NoDeviceChosen);
     EXPECT_EQ(asked, 1);
     EXPECT_TRUE(m_failures.empty());
-    EXPECT_EQ(m_ports->log->opened, 0);
+    EXPECT_EQ(m_ports->opened, 0);
 
     m_player.setSettingsRequest([](midi::MidiSettings& s) { s.setDeviceNumber(0); });
-    EXPECT_EQ(m_player.playPart(makeTestPart(), 0), PartPlayer::StartResult::Started);
+    EXPECT_EQ(m_player.playPart(makeTestPart(), 0), kStarted);
     EXPECT_EQ(m_player.settings().deviceNumber(), 0);
     m_player.stop();
 }
 
-TEST_F(PartPlayerTest, UnopenableDeviceSaysSoAndStaysIdle)
+TEST_F(PartPlayerTest, PlaybackThatCannotStartSaysWhyAndStaysIdle)
 {
+    m_ports->refused = 1;
     for (const std::uint16_t device : {std::uint16_t{1}, std::uint16_t{9}}) {
-        m_ports->refuse(1);
-        midi::MidiSettings settings = m_player.settings();
-        settings.setDeviceNumber(device);
-        m_player.setSettings(settings);
+        change([device](midi::MidiSettings& s) { s.setDeviceNumber(device); });
         EXPECT_EQ(m_player.playPart(makeTestPart(), 0), PartPlayer::StartResult::UnableToOpen);
-        EXPECT_FALSE(m_player.isPlaying());
     }
     EXPECT_EQ(m_failures,
               (std::vector<std::string>{"unable to open device", "unable to open device"}));
     EXPECT_TRUE(m_flags.empty());
-}
 
-TEST_F(PartPlayerTest, EmptyPartPlaysNothing)
-{
-    part::Part empty = part::Part::makeNew();
-    EXPECT_EQ(m_player.playPart(empty, 0), PartPlayer::StartResult::NothingToPlay);
+    change([](midi::MidiSettings& s) { s.setDeviceNumber(0); });
     part::Part silent = makeTestPart();
-    silent.chord(0).length = 0;
-    silent.chord(1).length = 0;
+    silent.chord(0).length = silent.chord(1).length = 0;
+    EXPECT_EQ(m_player.playPart(part::Part::makeNew(), 0), PartPlayer::StartResult::NothingToPlay);
     EXPECT_EQ(m_player.playPart(silent, 0), PartPlayer::StartResult::NothingToPlay);
+    EXPECT_EQ(m_failures.size(), 2u);
     EXPECT_FALSE(m_player.isPlaying());
-    EXPECT_EQ(m_ports->log->opened, m_ports->log->closed);
+    EXPECT_EQ(m_ports->opened, m_ports->closed);
 }
 
 TEST_F(PartPlayerTest, DeviceFailureWhilePlayingEndsWithTheMessage)
 {
-    m_ports->log->failAfter = 4; // program change, two notes, then the step 2 note-off fails
-    m_ports->log->failureText = "The JACK server has shut down.";
-    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), PartPlayer::StartResult::Started);
-    ASSERT_TRUE(runUntilFinished(m_player));
+    m_ports->failAfter = 4; // program change, two notes, then the step 2 note-off fails
+    m_ports->failureText = "The JACK server has shut down.";
+    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), kStarted);
+    ASSERT_TRUE(runUntilFinished());
     EXPECT_FALSE(m_player.isPlaying());
     EXPECT_EQ(m_failures, (std::vector<std::string>{"The JACK server has shut down."}));
-    EXPECT_EQ(m_ports->log->closed, 1);
+    EXPECT_EQ(m_ports->closed, 1);
 }
 
 TEST_F(PartPlayerTest, ChangesWhilePlayingApplyToTheFollowingMessages)
 {
     m_player.setTempo(1, 1);
-    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), PartPlayer::StartResult::Started);
-    midi::MidiSettings settings = m_player.settings();
-    settings.setChannel(9);
-    m_player.setSettings(settings);
+    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), kStarted);
+    change([](midi::MidiSettings& s) { s.setChannel(9); });
     m_player.stop();
-    const std::vector<Bytes> received = m_ports->log->snapshot();
-    ASSERT_EQ(received.size(), 5u);
-    EXPECT_EQ(received[3][0], 0x89); // the note-offs of stop use the new channel
-    EXPECT_EQ(received[4][0], 0x89);
+    EXPECT_EQ(notes(), (Notes{0x93, 48, 0x93, 52, 0x89, 48, 0x89, 52}))
+        << "the note-offs of stop use the new channel";
 }
 
 TEST_F(PartPlayerTest, VelocityAbove127IsUsedOnceThenLoweredInTheSettings)
 {
-    midi::MidiSettings settings = m_player.settings();
-    settings.setVelocity(200);
-    m_player.setSettings(settings);
-    ASSERT_EQ(m_player.playSingleChord(makeTestPart(), 0), PartPlayer::StartResult::Started);
-    ASSERT_TRUE(runUntilFinished(m_player));
+    change([](midi::MidiSettings& s) { s.setVelocity(200); });
+    ASSERT_EQ(m_player.playSingleChord(makeTestPart(), 0), kStarted);
+    ASSERT_TRUE(runUntilFinished());
     EXPECT_EQ(m_player.settings().velocity(), 127);
-    for (const Bytes& m : m_ports->log->snapshot())
+    for (const Bytes& m : m_ports->snapshot())
         EXPECT_LE(m.back(), 127); // never a status byte in a data byte on the wire
-}
-
-TEST_F(PartPlayerTest, PlayingAgainRestartsCleanly)
-{
-    m_player.setTempo(1, 1);
-    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), PartPlayer::StartResult::Started);
-    ASSERT_EQ(m_player.playSingleChord(makeTestPart(), 1), PartPlayer::StartResult::Started);
-    m_player.stop();
-    const std::vector<std::pair<int, int>> expected = {
-        {0x93, 48}, {0x93, 52}, {0x83, 48}, {0x83, 52}, // first playback stopped
-        {0x93, 53}, {0x93, 57}, {0x83, 53}, {0x83, 57}};
-    EXPECT_EQ(notesOf(m_ports->log->snapshot()), expected);
-    EXPECT_EQ(m_ports->log->opened, 2);
-    EXPECT_EQ(m_ports->log->closed, 2);
 }
