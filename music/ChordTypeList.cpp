@@ -2,7 +2,7 @@
 
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
-#include "music/TextLineReader.h"
+#include "music/TwoLineRecords.h"
 
 namespace music {
 
@@ -49,16 +49,11 @@ void ChordTypeList::rename(std::size_t index, std::string name)
 Result ChordTypeList::read(std::string_view bytes)
 {
     m_types.clear();
-    TextLineReader reader(bytes);
-    if (!equalsIgnoringCase(reader.readLine(), kMagic))
+    auto records = readTwoLineRecords(bytes, kMagic);
+    if (!records)
         return Result::failure(std::string(kNotValid));
-    const int count = reader.readInt() & 0xFF;
-    // A record that would start past the end of the data could only be empty texts.
-    for (int i = 0; i < count && !reader.atEnd(); ++i) {
-        std::string name = reader.readLine();
-        std::string construction = reader.readLine();
+    for (auto& [name, construction] : *records)
         m_types.emplace_back(std::move(name), std::move(construction));
-    }
     return Result::success();
 }
 
@@ -73,18 +68,11 @@ Result ChordTypeList::load(const std::filesystem::path& path)
 
 std::string ChordTypeList::toBytes() const
 {
-    std::string out;
-    out += kMagic;
-    out += '\n';
-    out += std::to_string(m_types.size());
-    out += '\n';
-    for (const ChordType& type : m_types) {
-        out += type.name();
-        out += '\n';
-        out += type.construction();
-        out += '\n';
-    }
-    return out;
+    std::vector<std::pair<std::string_view, std::string_view>> records;
+    records.reserve(m_types.size());
+    for (const ChordType& type : m_types)
+        records.emplace_back(type.name(), type.construction());
+    return writeTwoLineRecords(kMagic, records);
 }
 
 Result ChordTypeList::save(const std::filesystem::path& path) const

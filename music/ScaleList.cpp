@@ -3,6 +3,7 @@
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
 #include "music/TextLineReader.h"
+#include "music/TwoLineRecords.h"
 
 namespace music {
 
@@ -60,15 +61,11 @@ void ScaleList::remove(std::size_t index)
 Result ScaleList::read(std::string_view bytes)
 {
     m_scales.clear();
-    TextLineReader reader(bytes);
-    if (!equalsIgnoringCase(reader.readLine(), kMagic))
+    auto records = readTwoLineRecords(bytes, kMagic);
+    if (!records)
         return Result::failure(std::string(kNotValid));
-    const int count = reader.readInt() & 0xFF;
-    for (int i = 0; i < count && !reader.atEnd(); ++i) {
-        std::string name = reader.readLine();
-        std::string pattern = reader.readLine();
+    for (auto& [name, pattern] : *records)
         m_scales.emplace_back(std::move(name), std::move(pattern));
-    }
     return Result::success();
 }
 
@@ -83,18 +80,11 @@ Result ScaleList::load(const std::filesystem::path& path)
 
 std::string ScaleList::toBytes() const
 {
-    std::string out;
-    out += kMagic;
-    out += '\n';
-    out += std::to_string(m_scales.size());
-    out += '\n';
-    for (const ScaleType& scale : m_scales) {
-        out += scale.name();
-        out += '\n';
-        out += scale.pattern();
-        out += '\n';
-    }
-    return out;
+    std::vector<std::pair<std::string_view, std::string_view>> records;
+    records.reserve(m_scales.size());
+    for (const ScaleType& scale : m_scales)
+        records.emplace_back(scale.name(), scale.pattern());
+    return writeTwoLineRecords(kMagic, records);
 }
 
 Result ScaleList::save(const std::filesystem::path& path) const
