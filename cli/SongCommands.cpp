@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <ostream>
 #include <set>
 
@@ -137,7 +138,12 @@ int runSongCopy(const Arguments& args, Context& context)
     return saveSong(song, args.positionals()[1], context);
 }
 
-int runRemoveMachine(const Arguments& args, Context& context)
+/**
+ * Reads the song IN, finds its machine named by the second argument, applies `edit` and saves
+ * the song as -o OUT. `edit` returns an exit code; anything but success saves nothing.
+ */
+int editMachine(const Arguments& args, Context& context,
+                const std::function<int(song::BuzzSong&, std::size_t)>& edit)
 {
     const std::vector<std::string>& positionals = args.positionals();
     const std::string output = args.required("output");
@@ -147,14 +153,21 @@ int runRemoveMachine(const Arguments& args, Context& context)
     const std::size_t machine = machineByName(song, positionals[1], context);
     if (machine == song::BuzzSong::kNameNotFound)
         return kExitFailure;
-    song::removeMachine(song, machine);
+    if (const int result = edit(song, machine); result != kExitSuccess)
+        return result;
     return saveSong(song, output, context);
+}
+
+int runRemoveMachine(const Arguments& args, Context& context)
+{
+    return editMachine(args, context, [](song::BuzzSong& song, std::size_t machine) {
+        song::removeMachine(song, machine);
+        return kExitSuccess;
+    });
 }
 
 int runRemovePatterns(const Arguments& args, Context& context)
 {
-    const std::vector<std::string>& positionals = args.positionals();
-    const std::string output = args.required("output");
     const std::vector<std::string> indexTexts = args.values("index");
     const int modes =
         (indexTexts.empty() ? 0 : 1) + (args.has("all") ? 1 : 0) + (args.has("unused") ? 1 : 0);
@@ -165,42 +178,34 @@ int runRemovePatterns(const Arguments& args, Context& context)
         indices.insert(
             static_cast<std::size_t>(Arguments::parseInteger(text, 0, 65535, "--index")));
 
-    song::BuzzSong song;
-    if (!loadSong(positionals[0], args, context, song))
-        return kExitFailure;
-    const std::size_t machine = machineByName(song, positionals[1], context);
-    if (machine == song::BuzzSong::kNameNotFound)
-        return kExitFailure;
-    if (args.has("all")) {
-        song::removeAllPatterns(song, machine);
-    } else if (args.has("unused")) {
-        song::removeUnusedPatterns(song, machine);
-    } else {
+    return editMachine(args, context, [&](song::BuzzSong& song, std::size_t machine) {
+        if (args.has("all")) {
+            song::removeAllPatterns(song, machine);
+            return kExitSuccess;
+        }
+        if (args.has("unused")) {
+            song::removeUnusedPatterns(song, machine);
+            return kExitSuccess;
+        }
         const std::size_t count = song.patternCount(machine);
         for (const std::size_t index : indices) {
             if (index >= count)
-                return context.fail("machine \"" + positionals[1] + "\" has no pattern " +
+                return context.fail("machine \"" + args.positionals()[1] + "\" has no pattern " +
                                     std::to_string(index) + " (it has " + std::to_string(count) +
                                     ")");
         }
         song::removePatterns(song, machine,
                              std::vector<std::size_t>(indices.begin(), indices.end()));
-    }
-    return saveSong(song, output, context);
+        return kExitSuccess;
+    });
 }
 
 int runTrim(const Arguments& args, Context& context)
 {
-    const std::vector<std::string>& positionals = args.positionals();
-    const std::string output = args.required("output");
-    song::BuzzSong song;
-    if (!loadSong(positionals[0], args, context, song))
-        return kExitFailure;
-    const std::size_t machine = machineByName(song, positionals[1], context);
-    if (machine == song::BuzzSong::kNameNotFound)
-        return kExitFailure;
-    song::trimPatterns(song, machine);
-    return saveSong(song, output, context);
+    return editMachine(args, context, [](song::BuzzSong& song, std::size_t machine) {
+        song::trimPatterns(song, machine);
+        return kExitSuccess;
+    });
 }
 
 } // namespace
