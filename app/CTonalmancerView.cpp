@@ -831,6 +831,19 @@ void CTonalmancerView::addScaleGroup()
         [&added] { return std::vector<TreePosition>{added}; });
 }
 
+void CTonalmancerView::insertChord(const TreePosition& target, const music::Chord& chord)
+{
+    std::vector<TreePosition> inserted;
+    applyEdit(
+        tr("Add Chord"),
+        [&](music::ChordCollection& c) {
+            inserted = music::ChordDatabaseEdits::insertChords(
+                c, truncated(target, kCollectionLevel), {chord});
+            return !inserted.empty();
+        },
+        [&inserted] { return inserted; });
+}
+
 void CTonalmancerView::addChordFromList()
 {
     const auto current = currentPosition();
@@ -848,15 +861,7 @@ void CTonalmancerView::addChordFromList()
                             QString::fromLatin1(music::ChordTypeList::kInvalidConstruction.data()));
         return;
     }
-    std::vector<TreePosition> inserted;
-    applyEdit(
-        tr("Add Chord"),
-        [&](music::ChordCollection& c) {
-            inserted = music::ChordDatabaseEdits::insertChords(
-                c, truncated(*current, kCollectionLevel), {chord});
-            return !inserted.empty();
-        },
-        [&inserted] { return inserted; });
+    insertChord(*current, chord);
 }
 
 void CTonalmancerView::addChordByNotes()
@@ -871,15 +876,7 @@ void CTonalmancerView::addChordByNotes()
     if (dialog.exec() != QDialog::Accepted)
         return;
     const music::Chord chord = dialog.chord();
-    std::vector<TreePosition> inserted;
-    applyEdit(
-        tr("Add Chord"),
-        [&](music::ChordCollection& c) {
-            inserted = music::ChordDatabaseEdits::insertChords(
-                c, truncated(*current, kCollectionLevel), {chord});
-            return !inserted.empty();
-        },
-        [&inserted] { return inserted; });
+    insertChord(*current, chord);
 }
 
 void CTonalmancerView::editSettings()

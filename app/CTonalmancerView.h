@@ -131,6 +131,9 @@ public:
     void addScaleGroup();
     void addChordFromList();
     void addChordByNotes();
+    /** Adds a chord to the collection of `target` (before it, when `target` is a chord), undoably.
+     */
+    void insertChord(const music::TreePosition& target, const music::Chord& chord);
     void editSettings();
     void forbidNotes();
     void renameCurrent(int level = 0);

@@ -6,7 +6,7 @@
 namespace cli {
 
 Arguments Arguments::parse(const std::vector<std::string>& tokens,
-                           const std::vector<OptionSpec>& specs)
+                           const std::vector<OptionSpec>& known)
 {
     Arguments args;
     bool onlyPositionals = false;
@@ -29,16 +29,16 @@ Arguments Arguments::parse(const std::vector<std::string>& tokens,
             inlineValue = name.substr(eq + 1);
             name.resize(eq);
         }
-        const auto spec = std::find_if(specs.begin(), specs.end(), [&](const OptionSpec& s) {
+        const auto option = std::find_if(known.begin(), known.end(), [&](const OptionSpec& s) {
             return isShort ? s.shortName != '\0' && s.shortName == token[1] : s.name == name;
         });
-        if (spec == specs.end())
+        if (option == known.end())
             throw UsageError("unknown option " + (isShort ? token : "--" + name));
-        name = spec->name;
-        if (!spec->repeatable && args.has(name))
+        name = option->name;
+        if (!option->repeatable && args.has(name))
             throw UsageError("option --" + name + " given twice");
 
-        if (!spec->takesValue) {
+        if (!option->takesValue) {
             if (inlineValue)
                 throw UsageError("option --" + name + " takes no value");
             args.m_options[name].emplace_back();

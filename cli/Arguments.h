@@ -40,7 +40,7 @@ class Arguments
 public:
     /** Parses `tokens` (the words after the command name); throws UsageError. */
     static Arguments parse(const std::vector<std::string>& tokens,
-                           const std::vector<OptionSpec>& specs);
+                           const std::vector<OptionSpec>& known);
 
     bool has(const std::string& name) const { return m_options.count(name) != 0; }
     /** The value of an option given once; nothing when absent. */

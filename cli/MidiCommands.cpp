@@ -64,8 +64,8 @@ void registerMidiCommands(std::vector<Command>& commands)
         {"tpb", true, false},        {"channel", true, false}, {"velocity", true, false},
         {"write-bpm", false, false}, {"range", true, false},
     };
-    for (OptionSpec& spec : partOptionSpecs())
-        options.push_back(std::move(spec));
+    for (OptionSpec& shared : partOptionSpecs())
+        options.push_back(std::move(shared));
 
     commands.push_back(Command{
         "midi",

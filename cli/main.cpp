@@ -89,10 +89,10 @@ int runCli(const std::vector<std::string>& words)
         return kExitSuccess;
     }
 
-    std::vector<OptionSpec> specs = command->options;
-    specs.push_back({"data", true, false});
+    std::vector<OptionSpec> options = command->options;
+    options.push_back({"data", true, false});
     try {
-        const Arguments args = Arguments::parse(rest, specs);
+        const Arguments args = Arguments::parse(rest, options);
         const std::size_t n = args.positionals().size();
         if (n < command->minPositionals || n > command->maxPositionals)
             throw UsageError("wrong number of arguments");

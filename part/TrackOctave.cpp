@@ -8,8 +8,7 @@ namespace {
  * Applies a track setting to `octave` in the unsigned arithmetic `Word` on purpose: an octave
  * below 0 wraps to a large number and is then capped at 9 like any octave above 9.
  */
-template <typename Word>
-int resolveOctave(std::uint8_t setting, Word octave)
+template <typename Word> int resolveOctave(std::uint8_t setting, Word octave)
 {
     Word result = octave;
     switch (setting) {

@@ -11,7 +11,13 @@
 namespace song {
 
 /** Parameter types of a machine; note, switch and byte are one byte wide, word two. */
-enum class ParameterType : std::uint8_t { Note = 0, Switch = 1, Byte = 2, Word = 3 };
+enum class ParameterType : std::uint8_t
+{
+    Note = 0,
+    Switch = 1,
+    Byte = 2,
+    Word = 3
+};
 
 /** One parameter of a machine as the database describes it. */
 struct MachineParameter
@@ -37,8 +43,8 @@ struct MachineDatabaseEntry
     std::uint16_t totalParameterCount = 0; // as stored; may disagree with the list (the mixer)
     std::uint16_t globalParameterCount = 0;
     std::uint16_t trackParameterCount = 0;
-    std::uint8_t globalRowSize = 0; // bytes of one row of the global parameters
-    std::uint8_t trackRowSize = 0;  // bytes of one row of one track
+    std::uint8_t globalRowSize = 0;           // bytes of one row of the global parameters
+    std::uint8_t trackRowSize = 0;            // bytes of one row of one track
     std::vector<MachineParameter> parameters; // global ones first
 
     /** Index of the parameter with this name (case-insensitive), or -1. */
@@ -75,7 +81,8 @@ public:
     /** The entry for a DLL name (case-insensitive; the last match wins), or kNotFound. */
     std::size_t findByDllName(std::string_view dllName) const;
 
-    /** The five entries every full scan writes first: Master, Freeverb, Aux Return, Mixer Aux, Mixer. */
+    /** The five entries every full scan writes first: Master, Freeverb, Aux Return, Mixer Aux,
+     * Mixer. */
     static std::vector<MachineDatabaseEntry> builtInEntries();
 
     /** The lines of one entry as machines.ini holds them (ten lines, then six per parameter). */
