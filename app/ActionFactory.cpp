@@ -26,7 +26,7 @@ QAction* ActionFactory::createAction(const CommandEntry& entry, QObject* parent)
 }
 
 QMenu* ActionFactory::buildContextMenu(std::string_view name, QWidget* parent,
-                                       const std::function<QAction*(std::string_view)>& forward)
+                                       const ActionLookup& forward)
 {
     auto* root = new QMenu(parent);
     root->setObjectName(toQString(name));

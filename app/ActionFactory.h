@@ -18,6 +18,9 @@ namespace app {
 class ActionFactory
 {
 public:
+    /** Resolves a command id to the frame's action for it; nullptr when there is none. */
+    using ActionLookup = std::function<QAction*(std::string_view)>;
+
     static QString toQString(std::string_view text)
     {
         return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -36,7 +39,7 @@ public:
      * whose id `forward` resolves to an action trigger that action and follow its enabled state.
      */
     static QMenu* buildContextMenu(std::string_view name, QWidget* parent,
-                                   const std::function<QAction*(std::string_view)>& forward);
+                                   const ActionLookup& forward);
 
     /** Connects every item of `menu` (and its sub-menus) whose id is `id`. */
     static void onTriggered(QMenu* menu, std::string_view id, QObject* receiver,

@@ -135,6 +135,10 @@ void CMainFrame::createActions()
         ->setShortcuts({QKeySequence(QStringLiteral("Ctrl+Shift+Return")),
                         QKeySequence(QStringLiteral("Ctrl+Shift+Enter"))});
 
+    action("edit.redo")
+        ->setShortcuts({QKeySequence(QStringLiteral("Ctrl+Shift+Z")),
+                        QKeySequence(QStringLiteral("Ctrl+Y"))});
+
     connect(action("file.exit"), &QAction::triggered, this, &QWidget::close);
     connect(action("help.topics"), &QAction::triggered, this, [this] {
         if (!m_help->openTopics())

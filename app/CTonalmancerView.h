@@ -2,30 +2,20 @@
 
 #include "app/CResizableFormView.h"
 #include "midi/MidiSettings.h"
-#include "music/ChordCollection.h"
-#include "music/ChordDatabaseEdits.h"
-#include "music/ChordSearch.h"
-#include "music/ChordTypeList.h"
 #include "music/DataFolder.h"
-#include "music/ScaleList.h"
-#include "music/ScaleSearch.h"
 #include "part/PartPresetList.h"
 #include "part/PatternPresetList.h"
 
-#include <functional>
 #include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 class QListWidget;
 class QMenu;
 class QStackedWidget;
 class QTableWidget;
 class QTreeWidget;
-class QUndoStack;
 
 namespace midi {
 class MidiPortList;
@@ -34,23 +24,35 @@ class MidiPortList;
 namespace app {
 
 class CMainFrame;
-class CSearchInfoWindow;
 class CTonalmancerDoc;
-class CTreeCtrlX;
-class ChordCollectionModel;
+class ChordDatabasePanel;
+class UndoRouter;
+class UndoTarget;
 
 /**
- * The main form: the chord database tree on the left, the part (its chords, patterns and the
- * pattern grid) in the middle, the part settings or the song's machines and the presets on the
- * right. It owns the chord types, scales, chord database, presets and MIDI settings, and carries
- * out the chord database commands. Every change of the database is undoable.
+ * The main form: a thin frame that composes the regions (panels) of the window and routes the
+ * window's commands to them. The chord database sits on the left, the part (its chords, patterns
+ * and the pattern grid) in the middle, the part settings or the song's machines and the presets
+ * on the right. Undo and Redo act on the region that has, or last had, the focus. The view owns
+ * the MIDI settings and the presets until their panels take them over.
  */
 class CTonalmancerView : public CResizableFormView
 {
     Q_OBJECT
 public:
-    static constexpr const char* kChordListFilter = "List (*.crd)|*.crd|All Files (*.*)|*.*||";
-    static constexpr const char* kDefaultChordList = "default.crd";
+    /** The regions of the form, as the layout places them. */
+    struct Regions
+    {
+        QWidget* chordDatabase = nullptr;
+        QWidget* partList = nullptr;
+        QWidget* patternList = nullptr;
+        QWidget* patternGrid = nullptr;
+        /** The part settings and the song's machines share one place; one is shown. */
+        QWidget* partSettings = nullptr;
+        QWidget* machines = nullptr;
+        QWidget* partPresets = nullptr;
+        QWidget* patternPresets = nullptr;
+    };
 
     CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document, music::DataFolder dataFolder,
                      std::shared_ptr<midi::MidiPortList> ports, QWidget* parent = nullptr);
@@ -61,83 +63,24 @@ public:
     /** Writes the settings file; called once when the main window closes. */
     void shutdown();
 
-    music::ChordTypeList& chordTypes() { return m_types; }
-    music::ScaleList& scales() { return m_scales; }
-    music::ChordCollection& collection() { return m_collection; }
+    ChordDatabasePanel* chordDatabase() const { return m_chordDatabase; }
+    const Regions& regions() const { return m_regions; }
     const midi::MidiSettings& midiSettings() const { return m_midiSettings; }
     midi::MidiSettings& midiSettings() { return m_midiSettings; }
     const part::PartPresetList& partPresets() const { return m_partPresets; }
     const part::PatternPresetList& patternPresets() const { return m_patternPresets; }
-    const music::ChordSearch& chordSearch() const { return m_chordSearch; }
-    const music::ScaleSearch& scaleSearch() const { return m_scaleSearch; }
-    bool keepsDefaultCurrent() const { return m_keepDefaultCurrent; }
 
-    CTreeCtrlX* chordTree() const { return m_tree; }
-    ChordCollectionModel* chordModel() const { return m_model; }
-    QUndoStack* undoStack() const { return m_undo; }
-    CSearchInfoWindow* searchInfo() const { return m_searchInfo; }
     QTreeWidget* settingsTree() const { return m_settingsTree; }
     QTreeWidget* machineList() const { return m_machineList; }
     QStackedWidget* sideStack() const { return m_sideStack; }
+
     /** A context menu by the name the command table gives it; nullptr for an unknown name. */
     QMenu* contextMenu(std::string_view name) const;
-
-    // The tree selection, as positions in the collection.
-    std::optional<music::TreePosition> currentPosition() const;
-    std::vector<music::TreePosition> selectedPositions() const;
-    void selectPosition(const music::TreePosition& position);
-    void selectPositions(const std::vector<music::TreePosition>& positions);
-
-    /**
-     * Applies an edit to the chord database as one undoable step named `text`. Nothing is
-     * recorded when `edit` returns false or leaves the database as it was. With the option on,
-     * the database is then written to "default.crd".
-     */
-    bool applyEdit(const QString& text, const std::function<bool(music::ChordCollection&)>& edit,
-                   const std::function<std::vector<music::TreePosition>()>& selectAfter = {});
-
-    // Commands whose dialogs have been answered; the dialog front ends below call them.
-    void findChordWith(const music::SearchCriteria::Ticks& ticks, const QString& include,
-                       const QString& skip);
-    void continueSearch();
-    void findScaleWith(const music::SearchCriteria::Ticks& ticks, const QString& include,
-                       const QString& skip);
-    void generateListWith(const music::ChordDatabaseEdits::GenerateOptions& options);
-    void generateBaseWith(const music::ChordDatabaseEdits::GenerateOptions& options);
-    bool loadChordListFrom(const QString& path);
-    bool saveChordListTo(const QString& path);
-    void loadDefaultChordList();
-    void saveDefaultChordList();
-    void createNewList();
-    void removeSelected();
-    void copyChords();
-    void cutChords();
-    void pasteChords(bool append);
-    void sortChords(bool upwards);
-    void addBaseGroup();
-    void addCollection();
-    /** Forbids the unticked notes in the scale group of the current item. */
-    void forbidNotesWith(const music::ChordDatabaseEdits::Ticks& allowed);
-    const std::vector<music::Chord>& clipboard() const { return m_clipboard; }
-
-    // Dialog front ends of the commands.
-    void openManager();
-    void findChord();
-    void findScale();
-    void generateList();
-    void generateBase();
-    void loadChordList();
-    void saveChordList();
-    void addScaleGroup();
-    void addChordFromList();
-    void addChordByNotes();
-    /** Adds a chord to the collection of `target` (before it, when `target` is a chord), undoably.
-     */
-    void insertChord(const music::TreePosition& target, const music::Chord& chord);
-    void editSettings();
-    void forbidNotes();
-    void renameCurrent(int level = 0);
-    void showSearchInfo();
+    /** Makes a panel's own context menu known under its table name. */
+    void registerContextMenu(std::string_view name, QMenu* menu);
+    /** Undo and Redo act on `target` while the focus is in `region`. */
+    void registerUndoTarget(QWidget* region, UndoTarget* target);
+    UndoRouter* undoRouter() const { return m_undoRouter; }
 
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
@@ -146,48 +89,40 @@ public:
     void refreshPresets();
 
 private:
-    void buildLayout();
-    void buildContextMenus();
+    // One factory point per region: each returns the region's widget, ready to be laid out. The
+    // regions still without a panel class are placeholders with the table's context menu.
+    QWidget* createChordDatabasePanel();
+    QWidget* createPartListPanel();
+    QWidget* createPatternListPanel();
+    QWidget* createPatternGridPanel();
+    QWidget* createPartSettingsPanel();
+    QWidget* createMachinePanel();
+    QWidget* createPartPresetPanel();
+    QWidget* createPatternPresetPanel();
+
+    void layOut(const Regions& regions);
+    /** Gives a placeholder the context menu `name` of the command table. */
+    void attachContextMenu(std::string_view name, QWidget* widget);
     void connectCommands();
-    void connectTreeKeys();
-    void refreshTree();
-    void writeDefaultIfKept();
-    bool report(const music::Result& result);
-    QString userFolder() const;
-    /** The item of `level` (1 group .. 4 chord) above or at the current item. */
-    std::optional<music::TreePosition> currentAt(int level) const;
-    std::optional<music::TreePosition> currentSection() const;
 
     CMainFrame& m_frame;
     CTonalmancerDoc& m_document;
     music::DataFolder m_dataFolder;
     std::shared_ptr<midi::MidiPortList> m_ports;
 
-    music::ChordTypeList m_types;
-    music::ScaleList m_scales;
-    music::ChordCollection m_collection;
-    music::ChordSearch m_chordSearch;
-    music::ScaleSearch m_scaleSearch;
-    std::vector<music::TreePosition> m_scaleHits;
-    std::vector<music::Chord> m_clipboard;
     midi::MidiSettings m_midiSettings;
     part::PartPresetList m_partPresets;
     part::PatternPresetList m_patternPresets;
-    bool m_keepDefaultCurrent = false;
     bool m_settingsWritten = false;
 
-    CTreeCtrlX* m_tree = nullptr;
-    ChordCollectionModel* m_model = nullptr;
-    QUndoStack* m_undo = nullptr;
-    QListWidget* m_partList = nullptr;
-    QListWidget* m_patternList = nullptr;
-    QTableWidget* m_patternGrid = nullptr;
+    Regions m_regions;
+    ChordDatabasePanel* m_chordDatabase = nullptr;
+    UndoRouter* m_undoRouter = nullptr;
     QListWidget* m_partPresetList = nullptr;
     QListWidget* m_patternPresetList = nullptr;
     QStackedWidget* m_sideStack = nullptr;
     QTreeWidget* m_settingsTree = nullptr;
     QTreeWidget* m_machineList = nullptr;
-    CSearchInfoWindow* m_searchInfo = nullptr;
     std::map<std::string, QMenu*, std::less<>> m_menus;
 };
 

@@ -69,6 +69,7 @@ constexpr std::array kKeyAndToolbarOnly = {
     CommandEntry{"pattern.copy", "", "Create Copy Of Pattern", "Ctrl+Shift+Return", "Create a copy of the current pattern.", false, kLater},
     CommandEntry{"pattern.remove", "", "Remove Pattern", "Ctrl+Shift+Del", "Remove the current pattern.", false, kLater},
     CommandEntry{"edit.undo", "", "Undo", "Ctrl+Z", "Undo the last change."},
+    CommandEntry{"edit.redo", "", "Redo", "Ctrl+Shift+Z", "Redo the last undone change."},
 };
 
 constexpr std::array<std::string_view, 10> kContextMenuNames = {
@@ -102,20 +103,20 @@ constexpr std::array kContextMenus = {
 
     // The chord database tree.
     CommandEntry{"tree.addBase", "chordTree|&Base Group", "Add &Base", "", "Add an empty base group."},
-    CommandEntry{"tree.remove", "chordTree|&Base Group", "&Remove", "Del", "Remove the selected items."},
-    CommandEntry{"tree.rename", "chordTree|&Base Group", "Re&name", "Ctrl+R", "Rename the selected item."},
+    CommandEntry{"tree.removeBase", "chordTree|&Base Group", "&Remove", "Del", "Remove the selected base groups."},
+    CommandEntry{"tree.renameBase", "chordTree|&Base Group", "Re&name", "Ctrl+R", "Rename the selected base group."},
     CommandEntry{"tree.generateBase", "chordTree|&Base Group", "&Generate", "", "Generate a base group from the chord types."},
     CommandEntry{"tree.addScale", "chordTree|&Scale/Group", "Add &Scale", "", "Add a scale group to the selected base group."},
-    CommandEntry{"tree.remove", "chordTree|&Scale/Group", "&Remove", "Del", "Remove the selected items."},
-    CommandEntry{"tree.settings", "chordTree|&Scale/Group", "&Settings", "Ctrl+R", "Change name and notes of the selected item."},
+    CommandEntry{"tree.removeScale", "chordTree|&Scale/Group", "&Remove", "Del", "Remove the selected scale groups."},
+    CommandEntry{"tree.settingsScale", "chordTree|&Scale/Group", "&Settings", "Ctrl+R", "Change name and notes of the selected scale group."},
     CommandEntry{"tree.forbidNotes", "chordTree|&Scale/Group", "->&Forbid Notes", "", "Remove the chords that use forbidden notes."},
     CommandEntry{"tree.addCollection", "chordTree|C&ollection", "Add &Collection", "", "Add a chord collection to the selected scale group."},
-    CommandEntry{"tree.remove", "chordTree|C&ollection", "&Remove", "Del", "Remove the selected items."},
-    CommandEntry{"tree.settings", "chordTree|C&ollection", "&Settings", "Ctrl+R", "Change name and notes of the selected item."},
+    CommandEntry{"tree.removeCollection", "chordTree|C&ollection", "&Remove", "Del", "Remove the selected collections."},
+    CommandEntry{"tree.settingsCollection", "chordTree|C&ollection", "&Settings", "Ctrl+R", "Rename the selected collection."},
     CommandEntry{"tree.addChordFromList", "chordTree|&Chord|&Add Chord", "From &List", "", "Add a chord made from a chord type."},
     CommandEntry{"tree.addChordByNotes", "chordTree|&Chord|&Add Chord", "By &Notes", "", "Add a chord given by its notes."},
-    CommandEntry{"tree.remove", "chordTree|&Chord", "&Remove", "Del", "Remove the selected items."},
-    CommandEntry{"tree.settings", "chordTree|&Chord", "&Settings", "Ctrl+R", "Change name and notes of the selected item."},
+    CommandEntry{"tree.removeChord", "chordTree|&Chord", "&Remove", "Del", "Remove the selected chords."},
+    CommandEntry{"tree.settingsChord", "chordTree|&Chord", "&Settings", "Ctrl+R", "Change name and notes of the selected chord."},
     CommandEntry{"tree.copy", "chordTree|&Chord", "&Copy", "Ctrl+C", "Copy the selected chords."},
     CommandEntry{"tree.cut", "chordTree|&Chord", "Cu&t", "Ctrl+X", "Cut the selected chords."},
     CommandEntry{"tree.pasteInsert", "chordTree|&Chord", "Paste &Insert", "Ctrl+V", "Insert the copied chords before the selected chord."},

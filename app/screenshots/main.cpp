@@ -14,6 +14,8 @@
 #include "app/CTreeCtrlX.h"
 #include "app/CTypeManagerDialog.h"
 #include "app/ChordCollectionModel.h"
+#include "app/ChordDatabaseCommands.h"
+#include "app/ChordDatabasePanel.h"
 #include "app/MessageBoxes.h"
 
 #include <QApplication>
@@ -61,31 +63,34 @@ int main(int argc, char* argv[])
         return 1;
     app::CMainFrame& frame = *tonalmancer.mainFrame();
     app::CTonalmancerView& view = *tonalmancer.view();
+    app::ChordDatabasePanel& chords = *view.chordDatabase();
+    app::ChordDatabaseCommands& chordCommands = chords.menuCommands();
     frame.resize(1400, 860);
     frame.show();
     settle(600);
 
     // The database opened a little, with a chord selected, as after a search.
-    view.findChordWith(
+    chordCommands.findChordWith(
         {true, false, false, false, true, false, false, true, false, false, false, false},
         QStringLiteral("maj"), QString());
     settle();
     save(frame, folder, QStringLiteral("main-window"));
 
     QMenu* treeMenu = view.contextMenu("chordTree");
-    treeMenu->popup(view.chordTree()->mapToGlobal(QPoint(120, 120)));
+    treeMenu->popup(chords.tree()->mapToGlobal(QPoint(120, 120)));
     settle();
     save(*treeMenu, folder, QStringLiteral("chord-tree-menu"));
     treeMenu->hide();
 
-    app::CGenerateDialog generate(QStringLiteral("Generate List"), view.scales(), &frame);
+    app::CGenerateDialog generate(QStringLiteral("Generate List"), chords.scales(), &frame);
     save(generate, folder, QStringLiteral("generate-dialog"));
-    app::CFindDialog find(QStringLiteral("Find chord"), view.chordSearch().includeHistory(),
-                          view.chordSearch().skipHistory(), &frame);
+    app::CFindDialog find(QStringLiteral("Find chord"),
+                          chordCommands.chordSearch().includeHistory(),
+                          chordCommands.chordSearch().skipHistory(), &frame);
     find.keyboard()->setTicks(
         {true, false, false, false, true, false, false, true, false, false, false, false});
     save(find, folder, QStringLiteral("find-chord-dialog"));
-    app::CTypeManagerDialog manager(view.chordTypes(), view.scales(), tonalmancer.dataFolder(),
+    app::CTypeManagerDialog manager(chords.chordTypes(), chords.scales(), tonalmancer.dataFolder(),
                                     &frame);
     save(manager, folder, QStringLiteral("type-manager"));
     app::CChordTypeDialog chordType(&frame);
@@ -94,12 +99,12 @@ int main(int argc, char* argv[])
     save(scale, folder, QStringLiteral("scale-dialog"));
     app::CIntervalListDialog intervals(&frame);
     save(intervals, folder, QStringLiteral("interval-list"));
-    app::CScaleGroupDialog group(QStringLiteral("Add Scale/Group"), view.scales(), &frame);
+    app::CScaleGroupDialog group(QStringLiteral("Add Scale/Group"), chords.scales(), &frame);
     save(group, folder, QStringLiteral("scale-group-dialog"));
-    view.findScaleWith(
+    chordCommands.findScaleWith(
         {true, false, true, false, true, false, false, true, false, false, false, false}, QString(),
         QString());
-    save(*view.searchInfo(), folder, QStringLiteral("search-info"));
+    save(*chordCommands.searchInfo(), folder, QStringLiteral("search-info"));
     // The default song in the machine view; a generator the database does not know is learnt.
     app::MessageBoxes::setHandler(
         [](QWidget*, const QString& text, QMessageBox::Icon, QMessageBox::StandardButtons) {

@@ -4,6 +4,9 @@
 #include "app/CTonalmancerApp.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/CTonalmancerView.h"
+#include "app/ChordDatabaseCommands.h"
+#include "app/ChordDatabasePanel.h"
+#include "app/ChordTreeCommands.h"
 #include "app/MessageBoxes.h"
 #include "midi/MidiPortList.h"
 
@@ -74,6 +77,7 @@ protected:
     app::CMainFrame& frame() { return *m_app->mainFrame(); }
     app::CTonalmancerView& view() { return *m_app->view(); }
     app::CTonalmancerDoc& document() { return *m_app->document(); }
+    app::ChordDatabasePanel& chords() { return *view().chordDatabase(); }
 
     DataFolderCopy m_data;
     MessageRecorder m_messages;

@@ -8,6 +8,7 @@
 #include <QAbstractItemModelTester>
 #include <QCoreApplication>
 #include <QFile>
+#include <QMenu>
 #include <QMimeData>
 #include <QUndoStack>
 
@@ -67,26 +68,26 @@ using ChordDatabaseView = apptest::AppFixture;
 
 TEST_F(ChordDatabaseView, StartsWithTheShippedDatabase)
 {
-    EXPECT_FALSE(view().collection().isEmpty());
-    EXPECT_EQ(view().chordModel()->rowCount(),
-              static_cast<int>(view().collection().baseGroups().size()));
-    EXPECT_FALSE(view().chordTypes().isEmpty());
-    EXPECT_FALSE(view().scales().isEmpty());
+    EXPECT_FALSE(chords().collection().isEmpty());
+    EXPECT_EQ(chords().model()->rowCount(),
+              static_cast<int>(chords().collection().baseGroups().size()));
+    EXPECT_FALSE(chords().chordTypes().isEmpty());
+    EXPECT_FALSE(chords().scales().isEmpty());
 }
 
 TEST_F(ChordDatabaseView, GenerateListBuildsBothGroupsAndUndoBringsTheOldDatabaseBack)
 {
-    const ChordCollection before = view().collection();
-    view().generateListWith({});
-    ASSERT_EQ(view().collection().baseGroups().size(), 2u);
-    EXPECT_EQ(view().collection().baseGroups()[0].name, "Sorted by chord");
-    EXPECT_EQ(view().collection().baseGroups()[1].name, "Sorted by note");
-    EXPECT_EQ(view().chordModel()->rowCount(), 2);
-    view().undoStack()->undo();
-    EXPECT_EQ(view().collection().baseGroups(), before.baseGroups());
-    EXPECT_EQ(view().chordModel()->rowCount(), static_cast<int>(before.baseGroups().size()));
-    view().undoStack()->redo();
-    EXPECT_EQ(view().collection().baseGroups().size(), 2u);
+    const ChordCollection before = chords().collection();
+    chords().menuCommands().generateListWith({});
+    ASSERT_EQ(chords().collection().baseGroups().size(), 2u);
+    EXPECT_EQ(chords().collection().baseGroups()[0].name, "Sorted by chord");
+    EXPECT_EQ(chords().collection().baseGroups()[1].name, "Sorted by note");
+    EXPECT_EQ(chords().model()->rowCount(), 2);
+    chords().undoStack()->undo();
+    EXPECT_EQ(chords().collection().baseGroups(), before.baseGroups());
+    EXPECT_EQ(chords().model()->rowCount(), static_cast<int>(before.baseGroups().size()));
+    chords().undoStack()->redo();
+    EXPECT_EQ(chords().collection().baseGroups().size(), 2u);
 }
 
 TEST_F(ChordDatabaseView, ScaleOptionsLimitTheGeneratedChords)
@@ -94,25 +95,25 @@ TEST_F(ChordDatabaseView, ScaleOptionsLimitTheGeneratedChords)
     music::ChordDatabaseEdits::GenerateOptions options;
     options.scale = kCMajor;
     options.onlyScaleNotes = true;
-    view().generateListWith(options);
-    std::size_t chords = 0;
-    for (const auto& group : view().collection().baseGroups()) {
+    chords().menuCommands().generateListWith(options);
+    std::size_t generated = 0;
+    for (const auto& group : chords().collection().baseGroups()) {
         for (const auto& section : group.sections) {
             for (const auto& sub : section.subsections) {
                 for (const auto& chord : sub.chords) {
-                    ++chords;
+                    ++generated;
                     EXPECT_TRUE(music::ChordDatabaseEdits::usesOnly(chord, kCMajor)) << chord.name;
                 }
             }
         }
     }
-    EXPECT_GT(chords, 0u);
+    EXPECT_GT(generated, 0u);
 
     options.onlyScaleNotes = false;
     options.everyNoteInScale = true;
     options.name = "C major chords";
-    view().generateBaseWith(options);
-    const auto& group = view().collection().baseGroups().back();
+    chords().treeCommands().generateBaseWith(options);
+    const auto& group = chords().collection().baseGroups().back();
     EXPECT_EQ(group.name, "C major chords");
     ASSERT_FALSE(group.sections.empty());
     for (const auto& section : group.sections) {
@@ -120,40 +121,41 @@ TEST_F(ChordDatabaseView, ScaleOptionsLimitTheGeneratedChords)
         EXPECT_TRUE(section.scaleFlag);
     }
     EXPECT_EQ(
-        view().currentPosition(),
-        TreePosition::ofBaseGroup(static_cast<int>(view().collection().baseGroups().size()) - 1));
+        chords().currentPosition(),
+        TreePosition::ofBaseGroup(static_cast<int>(chords().collection().baseGroups().size()) - 1));
 }
 
 TEST_F(ChordDatabaseView, CutAndPasteMoveChordsAndEachStepIsUndoable)
 {
-    view().collection() = smallCollection();
-    view().chordModel()->refresh();
-    const int steps = view().undoStack()->count();
-    view().selectPositions({TreePosition::ofChord(0, 0, 0, 0), TreePosition::ofChord(0, 0, 0, 1)});
-    view().cutChords();
-    EXPECT_EQ(namesIn(view().collection(), 0), (std::vector<std::string>{"e"}));
-    view().selectPosition(TreePosition::ofChord(0, 0, 1, 0));
-    view().pasteChords(false); // insert before "f"
-    EXPECT_EQ(namesIn(view().collection(), 1), (std::vector<std::string>{"c", "d", "f"}));
-    view().selectPosition(TreePosition::ofChord(0, 0, 0, 0));
-    view().pasteChords(true); // append to "A"
-    EXPECT_EQ(namesIn(view().collection(), 0), (std::vector<std::string>{"e", "c", "d"}));
-    EXPECT_EQ(view().undoStack()->count(), steps + 3);
-    view().undoStack()->undo();
-    view().undoStack()->undo();
-    view().undoStack()->undo();
-    EXPECT_EQ(view().collection().baseGroups(), smallCollection().baseGroups());
+    chords().collection() = smallCollection();
+    chords().model()->refresh();
+    const int steps = chords().undoStack()->count();
+    chords().selectPositions(
+        {TreePosition::ofChord(0, 0, 0, 0), TreePosition::ofChord(0, 0, 0, 1)});
+    chords().treeCommands().cutChords();
+    EXPECT_EQ(namesIn(chords().collection(), 0), (std::vector<std::string>{"e"}));
+    chords().selectPosition(TreePosition::ofChord(0, 0, 1, 0));
+    chords().treeCommands().pasteChords(false); // insert before "f"
+    EXPECT_EQ(namesIn(chords().collection(), 1), (std::vector<std::string>{"c", "d", "f"}));
+    chords().selectPosition(TreePosition::ofChord(0, 0, 0, 0));
+    chords().treeCommands().pasteChords(true); // append to "A"
+    EXPECT_EQ(namesIn(chords().collection(), 0), (std::vector<std::string>{"e", "c", "d"}));
+    EXPECT_EQ(chords().undoStack()->count(), steps + 3);
+    chords().undoStack()->undo();
+    chords().undoStack()->undo();
+    chords().undoStack()->undo();
+    EXPECT_EQ(chords().collection().baseGroups(), smallCollection().baseGroups());
 }
 
 TEST_F(ChordDatabaseView, RenameInPlaceAndDropsAreUndoableEdits)
 {
-    view().collection() = smallCollection();
-    view().chordModel()->refresh();
-    app::ChordCollectionModel& model = *view().chordModel();
+    chords().collection() = smallCollection();
+    chords().model()->refresh();
+    app::ChordCollectionModel& model = *chords().model();
     ASSERT_TRUE(
         model.setData(model.index(TreePosition::ofSubsection(0, 0, 1)), QStringLiteral("Bee")));
     QCoreApplication::processEvents();
-    EXPECT_EQ(view().collection().baseGroups()[0].sections[0].subsections[1].name, "Bee");
+    EXPECT_EQ(chords().collection().baseGroups()[0].sections[0].subsections[1].name, "Bee");
 
     std::unique_ptr<QMimeData> drag(
         model.mimeData({model.index(TreePosition::ofChord(0, 0, 0, 0))}));
@@ -161,26 +163,68 @@ TEST_F(ChordDatabaseView, RenameInPlaceAndDropsAreUndoableEdits)
     model.dropMimeData(drag.get(), Qt::MoveAction, 0, 0,
                        model.index(TreePosition::ofSubsection(0, 0, 1)));
     QCoreApplication::processEvents();
-    EXPECT_EQ(namesIn(view().collection(), 1), (std::vector<std::string>{"c", "f"}));
-    view().undoStack()->undo();
-    view().undoStack()->undo();
-    EXPECT_EQ(view().collection().baseGroups(), smallCollection().baseGroups());
+    EXPECT_EQ(namesIn(chords().collection(), 1), (std::vector<std::string>{"c", "f"}));
+    chords().undoStack()->undo();
+    chords().undoStack()->undo();
+    EXPECT_EQ(chords().collection().baseGroups(), smallCollection().baseGroups());
+}
+
+/** The tree as "group[section[collection(chords) ...] ...] ...". */
+std::string shapeOf(const ChordCollection& c)
+{
+    std::string text;
+    for (const auto& group : c.baseGroups()) {
+        text += group.name + "[";
+        for (const auto& section : group.sections) {
+            text += section.name + "[";
+            for (const auto& sub : section.subsections)
+                text += sub.name + "(" + std::to_string(sub.chords.size()) + ")";
+            text += "]";
+        }
+        text += "]";
+    }
+    return text;
+}
+
+TEST_F(ChordDatabaseView, RemoveInEachSubMenuRemovesTheItemOfItsLevel)
+{
+    // A chord is selected; the sub-menu the user picks Remove from decides what goes.
+    const std::pair<const char*, const char*> cases[] = {
+        {"tree.removeChord", "G[S[A(2)B(1)]]"},
+        {"tree.removeCollection", "G[S[B(1)]]"},
+        {"tree.removeScale", "G[]"},
+        {"tree.removeBase", ""},
+    };
+    ASSERT_EQ(shapeOf(smallCollection()), "G[S[A(3)B(1)]]");
+    QMenu* menu = view().contextMenu("chordTree");
+    for (const auto& [id, shape] : cases) {
+        SCOPED_TRACE(id);
+        chords().collection() = smallCollection();
+        chords().refreshTree();
+        chords().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
+        const QList<QAction*> items = menu->findChildren<QAction*>(QString::fromLatin1(id));
+        ASSERT_EQ(items.size(), 1);
+        items.front()->trigger();
+        EXPECT_EQ(shapeOf(chords().collection()), shape);
+        chords().undoStack()->undo();
+        EXPECT_EQ(shapeOf(chords().collection()), "G[S[A(3)B(1)]]");
+    }
 }
 
 TEST_F(ChordDatabaseView, SortsTheChordsOfACollectionByTheirNotes)
 {
-    view().collection() = smallCollection();
-    view().chordModel()->refresh();
-    view().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
-    view().sortChords(false);
-    EXPECT_EQ(namesIn(view().collection(), 0), (std::vector<std::string>{"e", "d", "c"}));
-    view().sortChords(true);
-    EXPECT_EQ(namesIn(view().collection(), 0), (std::vector<std::string>{"c", "d", "e"}));
+    chords().collection() = smallCollection();
+    chords().model()->refresh();
+    chords().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
+    chords().treeCommands().sortChords(false);
+    EXPECT_EQ(namesIn(chords().collection(), 0), (std::vector<std::string>{"e", "d", "c"}));
+    chords().treeCommands().sortChords(true);
+    EXPECT_EQ(namesIn(chords().collection(), 0), (std::vector<std::string>{"c", "d", "e"}));
 }
 
 TEST_F(ChordDatabaseView, BadChordListFilesAreReportedAndLeaveTheDatabaseAsItWas)
 {
-    const ChordCollection before = view().collection();
+    const ChordCollection before = chords().collection();
     QFile notAList(m_data.file(QStringLiteral("bad.crd")));
     ASSERT_TRUE(notAList.open(QIODevice::WriteOnly));
     notAList.write("Not_A_Chord_List\n0\n");
@@ -194,44 +238,44 @@ TEST_F(ChordDatabaseView, BadChordListFilesAreReportedAndLeaveTheDatabaseAsItWas
                           Case{m_data.file(QStringLiteral("missing.crd")),
                                QStringLiteral("Error opening file.")}}) {
         m_messages.clear();
-        EXPECT_FALSE(view().loadChordListFrom(c.path));
+        EXPECT_FALSE(chords().menuCommands().loadChordListFrom(c.path));
         EXPECT_EQ(m_messages.texts(), QStringList{c.message});
-        EXPECT_EQ(view().collection().baseGroups(), before.baseGroups());
+        EXPECT_EQ(chords().collection().baseGroups(), before.baseGroups());
     }
 }
 
 TEST_F(ChordDatabaseView, SavedListLoadsBackAndTheDefaultIsKeptCurrentAfterSavingIt)
 {
-    view().collection() = smallCollection();
+    chords().collection() = smallCollection();
     const QString path = m_data.file(QStringLiteral("round.crd"));
-    ASSERT_TRUE(view().saveChordListTo(path));
-    view().createNewList();
-    EXPECT_TRUE(view().collection().isEmpty());
-    ASSERT_TRUE(view().loadChordListFrom(path));
-    EXPECT_EQ(view().collection().baseGroups(), smallCollection().baseGroups());
+    ASSERT_TRUE(chords().menuCommands().saveChordListTo(path));
+    chords().menuCommands().createNewList();
+    EXPECT_TRUE(chords().collection().isEmpty());
+    ASSERT_TRUE(chords().menuCommands().loadChordListFrom(path));
+    EXPECT_EQ(chords().collection().baseGroups(), smallCollection().baseGroups());
 
-    EXPECT_FALSE(view().keepsDefaultCurrent());
-    view().saveDefaultChordList();
-    EXPECT_TRUE(view().keepsDefaultCurrent());
-    view().addBaseGroup();
+    EXPECT_FALSE(chords().keepsDefaultCurrent());
+    chords().menuCommands().saveDefaultChordList();
+    EXPECT_TRUE(chords().keepsDefaultCurrent());
+    chords().treeCommands().addBaseGroup();
     ChordCollection onDisk;
     ASSERT_TRUE(onDisk.load(m_data.file(QStringLiteral("default.crd")).toStdString()));
-    EXPECT_EQ(onDisk.baseGroups(), view().collection().baseGroups());
+    EXPECT_EQ(onDisk.baseGroups(), chords().collection().baseGroups());
     EXPECT_EQ(onDisk.baseGroups().back().name, "noname");
 }
 
 TEST_F(ChordDatabaseView, AddingACollectionNeedsAScaleGroupSelected)
 {
-    view().collection() = smallCollection();
-    view().chordModel()->refresh();
-    const int steps = view().undoStack()->count();
-    view().selectPosition(TreePosition::ofBaseGroup(0));
-    view().addCollection(); // a group is no scale group: nothing happens
-    EXPECT_EQ(view().undoStack()->count(), steps);
-    view().selectPosition(TreePosition::ofChord(0, 0, 1, 0));
-    view().addCollection();
-    ASSERT_EQ(view().collection().baseGroups()[0].sections[0].subsections.size(), 3u);
-    EXPECT_EQ(view().collection().baseGroups()[0].sections[0].subsections[2].name, "noname");
+    chords().collection() = smallCollection();
+    chords().model()->refresh();
+    const int steps = chords().undoStack()->count();
+    chords().selectPosition(TreePosition::ofBaseGroup(0));
+    chords().treeCommands().addCollection(); // a group is no scale group: nothing happens
+    EXPECT_EQ(chords().undoStack()->count(), steps);
+    chords().selectPosition(TreePosition::ofChord(0, 0, 1, 0));
+    chords().treeCommands().addCollection();
+    ASSERT_EQ(chords().collection().baseGroups()[0].sections[0].subsections.size(), 3u);
+    EXPECT_EQ(chords().collection().baseGroups()[0].sections[0].subsections[2].name, "noname");
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "AppTestSupport.h"
 
 #include "app/CTempoBar.h"
+#include "app/CommandTable.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -83,7 +84,9 @@ const std::pair<const char*, const char*> kExpectedAccelerators[] = {
     {"F8", "Stop playing."},
     {"Ctrl+Return", nullptr},       // new pattern
     {"Ctrl+Shift+Return", nullptr}, // copy of pattern
-    {"Ctrl+Z", nullptr},            // undo
+    {"Ctrl+Z", "Undo the last change."},
+    {"Ctrl+Shift+Z", "Redo the last undone change."},
+    {"Ctrl+Y", "Redo the last undone change."},
 };
 
 // Toolbar buttons: every command whose prompt has a second line, with that line as tooltip.
@@ -250,6 +253,20 @@ TEST_F(MainWindowCommands, CommandsOfTheComingPartEditorAreShownButDisabled)
         EXPECT_FALSE(frame().action(id)->isEnabled()) << id;
     for (const char* id : {"file.open", "chords.manager", "chords.findChord", "help.about"})
         EXPECT_TRUE(frame().action(id)->isEnabled()) << id;
+}
+
+TEST(CommandTable, EveryItemOfAContextMenuHasAnIdOfItsOwn)
+{
+    // Items are bound by id: an id used twice in one menu would run one command from two items.
+    std::map<std::string_view, std::set<std::string_view>> seen;
+    for (const CommandEntry& entry : commands::contextMenus()) {
+        const std::string_view menu = entry.path.substr(0, entry.path.find('|'));
+        EXPECT_TRUE(seen[menu].insert(entry.id).second) << entry.id << " twice in " << menu;
+    }
+    // A misspelt menu name would build a menu that no widget opens.
+    const auto names = commands::contextMenuNames();
+    for (const auto& [menu, ids] : seen)
+        EXPECT_NE(std::find(names.begin(), names.end(), menu), names.end()) << menu;
 }
 
 } // namespace

@@ -50,8 +50,8 @@ protected:
     void SetUp() override
     {
         AppFixture::SetUp();
-        view().collection() = searchCollection();
-        view().chordModel()->refresh();
+        chords().collection() = searchCollection();
+        chords().model()->refresh();
     }
 };
 
@@ -73,33 +73,34 @@ TEST_F(Search, FindChordSelectsTheFirstHitInWalkOrder)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        view().chordTree()->clearSelection();
-        view().chordTree()->setCurrentIndex({});
-        view().findChordWith(c.ticks, QString::fromLatin1(c.include), QString::fromLatin1(c.skip));
-        EXPECT_EQ(view().currentPosition(), c.expected);
+        chords().tree()->clearSelection();
+        chords().tree()->setCurrentIndex({});
+        chords().menuCommands().findChordWith(c.ticks, QString::fromLatin1(c.include),
+                                              QString::fromLatin1(c.skip));
+        EXPECT_EQ(chords().currentPosition(), c.expected);
     }
 }
 
 TEST_F(Search, NoHitLeavesTheSelectionAsItWas)
 {
-    view().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
-    view().findChordWith(ticksOf({1}), QString(), QString());
-    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
+    chords().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
+    chords().menuCommands().findChordWith(ticksOf({1}), QString(), QString());
+    EXPECT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
     // The only hit is selected already: nothing new is selected.
-    view().selectPosition(TreePosition::ofChord(0, 0, 0, 2));
-    view().findChordWith({}, QStringLiteral("am"), QString());
-    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 2));
+    chords().selectPosition(TreePosition::ofChord(0, 0, 0, 2));
+    chords().menuCommands().findChordWith({}, QStringLiteral("am"), QString());
+    EXPECT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 2));
 }
 
 TEST_F(Search, ContinueSearchMovesOnAndWrapsAround)
 {
-    view().continueSearch(); // before any search: nothing happens
-    EXPECT_FALSE(view().currentPosition().has_value());
-    view().findChordWith({}, QStringLiteral("maj"), QString());
-    std::vector<TreePosition> visited{*view().currentPosition()};
+    chords().menuCommands().continueSearch(); // before any search: nothing happens
+    EXPECT_FALSE(chords().currentPosition().has_value());
+    chords().menuCommands().findChordWith({}, QStringLiteral("maj"), QString());
+    std::vector<TreePosition> visited{*chords().currentPosition()};
     for (int i = 0; i < 3; ++i) {
-        view().continueSearch();
-        visited.push_back(*view().currentPosition());
+        chords().menuCommands().continueSearch();
+        visited.push_back(*chords().currentPosition());
     }
     EXPECT_EQ(visited, (std::vector<TreePosition>{
                            TreePosition::ofChord(0, 0, 0, 0), TreePosition::ofChord(0, 0, 0, 1),
@@ -107,21 +108,22 @@ TEST_F(Search, ContinueSearchMovesOnAndWrapsAround)
     // F3 reaches it as the menu command does.
     EXPECT_EQ(frame().action("chords.continueSearch")->shortcut(), QKeySequence(Qt::Key_F3));
     frame().action("chords.continueSearch")->trigger();
-    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
+    EXPECT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
 }
 
 TEST_F(Search, FindScaleListsTheMatchingScaleGroups)
 {
-    view().findScaleWith(ticksOf({0, 4, 7}), QString(), QString());
-    EXPECT_EQ(view().searchInfo()->results(), QStringList{QStringLiteral("C major")});
-    EXPECT_EQ(view().currentPosition(), TreePosition::ofSection(0, 0));
+    chords().menuCommands().findScaleWith(ticksOf({0, 4, 7}), QString(), QString());
+    EXPECT_EQ(chords().menuCommands().searchInfo()->results(),
+              QStringList{QStringLiteral("C major")});
+    EXPECT_EQ(chords().currentPosition(), TreePosition::ofSection(0, 0));
     // Without notes a section without scale notes matches too; the list is emptied first.
-    view().findScaleWith({}, QString(), QString());
-    EXPECT_EQ(view().searchInfo()->results(),
+    chords().menuCommands().findScaleWith({}, QString(), QString());
+    EXPECT_EQ(chords().menuCommands().searchInfo()->results(),
               (QStringList{QStringLiteral("C major"), QStringLiteral("Other")}));
-    view().findScaleWith(ticksOf({1}), QString(), QString());
-    EXPECT_TRUE(view().searchInfo()->results().isEmpty());
-    EXPECT_EQ(view().searchInfo()->list()->toolTip(),
+    chords().menuCommands().findScaleWith(ticksOf({1}), QString(), QString());
+    EXPECT_TRUE(chords().menuCommands().searchInfo()->results().isEmpty());
+    EXPECT_EQ(chords().menuCommands().searchInfo()->list()->toolTip(),
               QStringLiteral("List of scales, matching the search parameters."));
 }
 
@@ -140,10 +142,11 @@ TEST_F(Search, TextsEnteredInTheDialogFillTheHistoryOnce)
             dialog->includeBox()->setEditText(QString::fromLatin1(text));
             dialog->accept();
         });
-        view().findChord();
+        chords().menuCommands().findChord();
     }
-    EXPECT_EQ(view().chordSearch().includeHistory().entries(), std::vector<std::string>{"maj"});
-    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
+    EXPECT_EQ(chords().menuCommands().chordSearch().includeHistory().entries(),
+              std::vector<std::string>{"maj"});
+    EXPECT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
 
     // The next dialog offers the history in its drop-down.
     QTimer::singleShot(0, [] {
@@ -154,7 +157,7 @@ TEST_F(Search, TextsEnteredInTheDialogFillTheHistoryOnce)
         EXPECT_TRUE(dialog->includeBox()->currentText().isEmpty());
         dialog->reject();
     });
-    view().findChord();
+    chords().menuCommands().findChord();
 }
 
 } // namespace
@@ -166,26 +169,26 @@ TEST_F(Search, KeysWorkInTheShownWindow)
     frame().show();
     frame().activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
-    view().chordTree()->setFocus();
-    view().findChordWith({}, QStringLiteral("maj"), QString());
-    ASSERT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 0));
+    chords().tree()->setFocus();
+    chords().menuCommands().findChordWith({}, QStringLiteral("maj"), QString());
+    ASSERT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 0));
 
-    QTest::keyClick(view().chordTree(), Qt::Key_F3);
-    EXPECT_EQ(view().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
+    QTest::keyClick(chords().tree(), Qt::Key_F3);
+    EXPECT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
 
     // Del removes the selected chord from the tree, Ctrl+Z brings it back.
-    QTest::keyClick(view().chordTree(), Qt::Key_Delete);
-    EXPECT_EQ(view().collection().baseGroups()[0].sections[0].subsections[0].chords.size(), 2u);
-    QTest::keyClick(view().chordTree(), Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(view().collection().baseGroups()[0].sections[0].subsections[0].chords.size(), 3u);
+    QTest::keyClick(chords().tree(), Qt::Key_Delete);
+    EXPECT_EQ(chords().collection().baseGroups()[0].sections[0].subsections[0].chords.size(), 2u);
+    QTest::keyClick(chords().tree(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(chords().collection().baseGroups()[0].sections[0].subsections[0].chords.size(), 3u);
 
     // Ctrl+C and Ctrl+W copy a chord to the end of its collection.
-    view().selectPosition(TreePosition::ofChord(0, 0, 0, 0));
-    QTest::keyClick(view().chordTree(), Qt::Key_C, Qt::ControlModifier);
-    QTest::keyClick(view().chordTree(), Qt::Key_W, Qt::ControlModifier);
-    const auto& chords = view().collection().baseGroups()[0].sections[0].subsections[0].chords;
-    ASSERT_EQ(chords.size(), 4u);
-    EXPECT_EQ(chords.back().name, "Cmaj");
+    chords().selectPosition(TreePosition::ofChord(0, 0, 0, 0));
+    QTest::keyClick(chords().tree(), Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(chords().tree(), Qt::Key_W, Qt::ControlModifier);
+    const auto& list = chords().collection().baseGroups()[0].sections[0].subsections[0].chords;
+    ASSERT_EQ(list.size(), 4u);
+    EXPECT_EQ(list.back().name, "Cmaj");
     frame().hide();
 }
 

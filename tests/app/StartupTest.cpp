@@ -7,6 +7,8 @@
 #include <QListWidget>
 #include <QTreeWidget>
 
+#include <set>
+
 namespace {
 
 using Startup = apptest::AppFixture;
@@ -21,7 +23,7 @@ QStringList settingLabels(const QTreeWidget* tree)
 
 TEST_F(Startup, OpensWithTheShippedDefaultsAndAnEmptySong)
 {
-    EXPECT_FALSE(view().collection().isEmpty());
+    EXPECT_FALSE(chords().collection().isEmpty());
     EXPECT_GT(view().partPresets().count(), 0);
     EXPECT_GT(view().patternPresets().count(), 0);
     EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
@@ -33,6 +35,21 @@ TEST_F(Startup, OpensWithTheShippedDefaultsAndAnEmptySong)
         expected << QStringLiteral("Track %1").arg(track);
     expected << QStringLiteral("Def Octave") << QStringLiteral("Def Length");
     EXPECT_EQ(settingLabels(view().settingsTree()), expected);
+}
+
+TEST_F(Startup, EveryRegionIsNamedForAssistiveTechnologyAndTheLayoutStore)
+{
+    const app::CTonalmancerView::Regions& r = view().regions();
+    std::set<QString> names;
+    for (const QWidget* region : {r.chordDatabase, r.partList, r.patternList, r.patternGrid,
+                                  r.partSettings, r.machines, r.partPresets, r.patternPresets}) {
+        ASSERT_NE(region, nullptr);
+        SCOPED_TRACE(region->objectName().toStdString());
+        EXPECT_FALSE(region->accessibleName().isEmpty());
+        EXPECT_TRUE(names.insert(region->objectName()).second); // unique and not empty
+        EXPECT_TRUE(view().isAncestorOf(region));
+    }
+    EXPECT_EQ(names.count(QString()), 0u);
 }
 
 TEST_F(Startup, FreshStartHasTheDefaultSettingsAndWritesThemOnExit)

@@ -19,8 +19,8 @@ protected:
     void SetUp() override
     {
         AppFixture::SetUp();
-        m_manager = std::make_unique<app::CTypeManagerDialog>(view().chordTypes(), view().scales(),
-                                                              m_app->dataFolder(), &frame());
+        m_manager = std::make_unique<app::CTypeManagerDialog>(
+            chords().chordTypes(), chords().scales(), m_app->dataFolder(), &frame());
     }
     void TearDown() override
     {
@@ -44,15 +44,15 @@ TEST_F(TypeManager, ListsTheDefaultTypesUnderTheirHeadings)
     EXPECT_EQ(headers(m_manager->chordList()),
               (QStringList{QStringLiteral("Chord"), QStringLiteral("Construction")}));
     EXPECT_EQ(headers(m_manager->scaleList()), QStringList{QStringLiteral("Scale")});
-    EXPECT_EQ(m_manager->chordList()->topLevelItemCount(), view().chordTypes().count());
-    EXPECT_EQ(m_manager->scaleList()->topLevelItemCount(), view().scales().count());
-    EXPECT_GT(view().chordTypes().count(), 0);
+    EXPECT_EQ(m_manager->chordList()->topLevelItemCount(), chords().chordTypes().count());
+    EXPECT_EQ(m_manager->scaleList()->topLevelItemCount(), chords().scales().count());
+    EXPECT_GT(chords().chordTypes().count(), 0);
     EXPECT_TRUE(m_messages.texts().isEmpty());
 }
 
 TEST_F(TypeManager, AnInvalidConstructionAsksAgainWithTheInputKept)
 {
-    const int before = view().chordTypes().count();
+    const int before = chords().chordTypes().count();
     QStringList seenInputs;
     const QStringList answers = {QStringLiteral("1,b3,5;"), QStringLiteral("1;;"),
                                  QStringLiteral("1; b3; 5;")};
@@ -68,21 +68,21 @@ TEST_F(TypeManager, AnInvalidConstructionAsksAgainWithTheInputKept)
     EXPECT_EQ(m_messages.texts(), (QStringList{QStringLiteral("No valid construction string"),
                                                QStringLiteral("No valid construction string")}));
     EXPECT_EQ(seenInputs, (QStringList{QString(), answers[0], answers[1]}));
-    ASSERT_EQ(view().chordTypes().count(), before + 1);
-    EXPECT_EQ(view().chordTypes().types().back().construction(), "1;b3;5;");
+    ASSERT_EQ(chords().chordTypes().count(), before + 1);
+    EXPECT_EQ(chords().chordTypes().types().back().construction(), "1;b3;5;");
     EXPECT_EQ(m_manager->chordList()->topLevelItem(before)->text(1), QStringLiteral("1;b3;5;"));
 }
 
 TEST_F(TypeManager, CancellingAddsNothing)
 {
-    const int before = view().chordTypes().count();
+    const int before = chords().chordTypes().count();
     int asked = 0;
     EXPECT_FALSE(m_manager->addChordType([&](app::CChordTypeDialog& dialog) {
         dialog.setConstruction(QStringLiteral("nonsense"));
         return ++asked == 1; // OK once (refused), then Cancel
     }));
     EXPECT_EQ(asked, 2);
-    EXPECT_EQ(view().chordTypes().count(), before);
+    EXPECT_EQ(chords().chordTypes().count(), before);
 }
 
 TEST_F(TypeManager, ScalePatternsAreCheckedWhenAdded)
@@ -101,7 +101,7 @@ TEST_F(TypeManager, ScalePatternsAreCheckedWhenAdded)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.pattern);
         m_messages.clear();
-        const int before = view().scales().count();
+        const int before = chords().scales().count();
         const bool added = m_manager->addScale([&](app::CScaleDialog& dialog) {
             EXPECT_EQ(dialog.pattern(), QStringLiteral("oooooooooooo"));
             EXPECT_EQ(dialog.name(), QStringLiteral("noname"));
@@ -111,12 +111,12 @@ TEST_F(TypeManager, ScalePatternsAreCheckedWhenAdded)
         EXPECT_EQ(added, c.accepted);
         if (c.accepted) {
             EXPECT_TRUE(m_messages.texts().isEmpty());
-            EXPECT_EQ(view().scales().scales().back().pattern(), c.stored);
+            EXPECT_EQ(chords().scales().scales().back().pattern(), c.stored);
             EXPECT_EQ(m_manager->scaleList()->currentItem(),
                       m_manager->scaleList()->topLevelItem(before));
         } else {
             EXPECT_EQ(m_messages.texts(), QStringList{QStringLiteral("Error in String")});
-            EXPECT_EQ(view().scales().count(), before);
+            EXPECT_EQ(chords().scales().count(), before);
         }
     }
 }
@@ -170,13 +170,13 @@ TEST_F(TypeManager, FileErrorsShowTheMessagesOfEachList)
 
 TEST_F(TypeManager, RenameAndRemoveChangeTheLists)
 {
-    const int before = view().chordTypes().count();
+    const int before = chords().chordTypes().count();
     m_manager->chordList()->topLevelItem(0)->setText(0, QStringLiteral("renamed"));
-    EXPECT_EQ(view().chordTypes().at(0).name(), "renamed");
+    EXPECT_EQ(chords().chordTypes().at(0).name(), "renamed");
     m_manager->chordList()->topLevelItem(0)->setSelected(true);
     m_manager->chordList()->topLevelItem(1)->setSelected(true);
     m_manager->removeChordTypes();
-    EXPECT_EQ(view().chordTypes().count(), before - 2);
+    EXPECT_EQ(chords().chordTypes().count(), before - 2);
     EXPECT_EQ(m_manager->chordList()->topLevelItemCount(), before - 2);
 }
 
