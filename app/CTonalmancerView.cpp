@@ -2,8 +2,10 @@
 
 #include "app/ActionFactory.h"
 #include "app/CMainFrame.h"
+#include "app/CTempoBar.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/PartSession.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
@@ -22,6 +24,7 @@
 #include <QVBoxLayout>
 
 #include <functional>
+#include <memory>
 
 namespace app {
 
@@ -66,6 +69,7 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     setObjectName(QStringLiteral("tonalmancerView"));
     setAccessibleName(tr("Tonalmancer workbench"));
     m_undoRouter = new UndoRouter(m_frame.action("edit.undo"), m_frame.action("edit.redo"), this);
+    m_partSession = new PartSession(this);
 
     Regions regions;
     regions.chordDatabase = createChordDatabasePanel();
@@ -77,7 +81,37 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     regions.partPresets = createPartPresetPanel();
     regions.patternPresets = createPatternPresetPanel();
     layOut(regions);
+    for (QWidget* partRegion : {regions.partList, regions.patternList, regions.patternGrid,
+                                regions.partSettings, regions.partPresets, regions.patternPresets})
+        registerUndoTarget(partRegion, m_partSession);
+    connectTempoBar();
     connectCommands();
+}
+
+void CTonalmancerView::connectTempoBar()
+{
+    CTempoBar* bar = m_frame.tempoBar();
+    if (bar == nullptr)
+        return;
+    // The tempo bar and the part's tempo are one value: either side may change it.
+    m_partSession->setTempo(bar->beatsPerMinute(), bar->ticksPerBeat());
+    m_partSession->markSaved(m_partSession->filePath());
+    auto showingPartTempo = std::make_shared<bool>(false);
+    connect(bar, &CTempoBar::tempoChanged, m_partSession, [this, bar, showingPartTempo] {
+        if (!*showingPartTempo)
+            m_partSession->setTempo(bar->beatsPerMinute(), bar->ticksPerBeat());
+    });
+    connect(m_partSession, &PartSession::changed, bar,
+            [this, bar, showingPartTempo](PartSession::Changes what) {
+                if (!what.testFlag(PartSession::Tempo))
+                    return;
+                // Both fields first, then one tempo change: a half-updated bar must not write
+                // its old ticks per beat back into the part.
+                *showingPartTempo = true;
+                bar->setBeatsPerMinute(m_partSession->part().beatsPerMinute());
+                bar->setTicksPerBeat(m_partSession->part().ticksPerBeat());
+                *showingPartTempo = false;
+            });
 }
 
 CTonalmancerView::~CTonalmancerView() = default;

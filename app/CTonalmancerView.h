@@ -26,6 +26,7 @@ namespace app {
 class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
+class PartSession;
 class UndoRouter;
 class UndoTarget;
 
@@ -64,6 +65,8 @@ public:
     void shutdown();
 
     ChordDatabasePanel* chordDatabase() const { return m_chordDatabase; }
+    /** The part being edited; every part panel edits it through this session. */
+    PartSession* partSession() const { return m_partSession; }
     const Regions& regions() const { return m_regions; }
     const midi::MidiSettings& midiSettings() const { return m_midiSettings; }
     midi::MidiSettings& midiSettings() { return m_midiSettings; }
@@ -104,6 +107,7 @@ private:
     /** Gives a placeholder the context menu `name` of the command table. */
     void attachContextMenu(std::string_view name, QWidget* widget);
     void connectCommands();
+    void connectTempoBar();
 
     CMainFrame& m_frame;
     CTonalmancerDoc& m_document;
@@ -117,6 +121,7 @@ private:
 
     Regions m_regions;
     ChordDatabasePanel* m_chordDatabase = nullptr;
+    PartSession* m_partSession = nullptr;
     UndoRouter* m_undoRouter = nullptr;
     QListWidget* m_partPresetList = nullptr;
     QListWidget* m_patternPresetList = nullptr;

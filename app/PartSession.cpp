@@ -128,6 +128,18 @@ void PartSession::loadPart(part::Part loaded, const QString& path)
     Q_EMIT filePathChanged(m_filePath);
 }
 
+void PartSession::reset(part::Part part, const QString& path)
+{
+    Q_EMIT aboutToEdit();
+    m_editor = part::PartEditor(std::move(part));
+    m_filePath = path;
+    m_savedPart = m_editor.part();
+    m_selectedChords.clear();
+    m_currentChord = -1;
+    afterChange(Everything);
+    Q_EMIT filePathChanged(m_filePath);
+}
+
 void PartSession::markSaved(const QString& path)
 {
     m_savedPart = m_editor.part();

@@ -89,6 +89,8 @@ public:
     void applyPartPreset(const part::PartPreset& preset);
     /** Replaces the part by one read from `path` ("Load part"); the path becomes the part's. */
     void loadPart(part::Part loaded, const QString& path);
+    /** Starts over with `part` and an empty history (the default part at start-up). */
+    void reset(part::Part part, const QString& path);
     /** The part as it was just saved to `path`: it becomes the unmodified state. */
     void markSaved(const QString& path);
 

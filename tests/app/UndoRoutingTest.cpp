@@ -4,31 +4,18 @@
 
 #include "app/CTempoBar.h"
 #include "app/CTreeCtrlX.h"
+#include "app/PartSession.h"
 #include "app/UndoRouter.h"
-#include "app/UndoStackTarget.h"
 
 #include <QAction>
 #include <QListWidget>
 #include <QSpinBox>
 #include <QTest>
-#include <QUndoCommand>
 #include <QUndoStack>
 
 namespace {
 
 using music::TreePosition;
-
-/** One step of a second region: counts its undos and redos. */
-class CountingCommand : public QUndoCommand
-{
-public:
-    CountingCommand(const QString& text, int& state) : QUndoCommand(text), m_state(state) {}
-    void undo() override { --m_state; }
-    void redo() override { ++m_state; }
-
-private:
-    int& m_state;
-};
 
 class UndoRouting : public apptest::AppFixture
 {
@@ -41,10 +28,9 @@ protected:
         c.baseGroups().push_back({"H", {}});
         chords().collection() = c;
         chords().refreshTree();
-        // The part list stands in for a panel with a history of its own.
+        // The part list is a region with the part's history.
         m_part = view().regions().partList;
-        m_partStack = new QUndoStack(m_part);
-        view().registerUndoTarget(m_part, new app::UndoStackTarget(m_partStack, m_part));
+        m_part->setFocusPolicy(Qt::StrongFocus);
 
         frame().show();
         frame().activateWindow();
@@ -64,9 +50,15 @@ protected:
         QCoreApplication::processEvents();
     }
 
+    /** One undoable step of the part: a chord more. */
+    void addChord()
+    {
+        view().partSession()->edit(QStringLiteral("Add chord"), app::PartSession::Chords,
+                                   [](part::Part& p) { return p.append(part::PartChord{}); });
+    }
+    int partChords() { return view().partSession()->part().count(); }
+
     QWidget* m_part = nullptr;
-    QUndoStack* m_partStack = nullptr;
-    int m_partState = 0;
 };
 
 TEST_F(UndoRouting, EachRegionUndoesItsOwnStepsAndTheCommandsNameThem)
@@ -75,14 +67,15 @@ TEST_F(UndoRouting, EachRegionUndoesItsOwnStepsAndTheCommandsNameThem)
     tree->setFocus();
     chords().selectPosition(TreePosition::ofBaseGroup(0));
     chords().treeCommands().removeSelected();
-    m_partStack->push(new CountingCommand(QStringLiteral("Add chord"), m_partState));
-    ASSERT_EQ(m_partState, 1);
+    const int before = partChords();
+    addChord();
+    ASSERT_EQ(partChords(), before + 1);
 
     EXPECT_EQ(undo()->text(), QStringLiteral("Undo Remove"));
     EXPECT_FALSE(redo()->isEnabled());
     press(tree, QKeySequence(QStringLiteral("Ctrl+Z")));
     EXPECT_EQ(chords().collection().baseGroups().size(), 2u);
-    EXPECT_EQ(m_partState, 1); // the part is left alone
+    EXPECT_EQ(partChords(), before + 1); // the part is left alone
     EXPECT_FALSE(undo()->isEnabled());
     EXPECT_EQ(redo()->text(), QStringLiteral("Redo Remove"));
 
@@ -91,7 +84,7 @@ TEST_F(UndoRouting, EachRegionUndoesItsOwnStepsAndTheCommandsNameThem)
     EXPECT_TRUE(undo()->isEnabled());
     EXPECT_FALSE(redo()->isEnabled());
     press(m_part, QKeySequence(QStringLiteral("Ctrl+Z")));
-    EXPECT_EQ(m_partState, 0);
+    EXPECT_EQ(partChords(), before);
     EXPECT_EQ(chords().collection().baseGroups().size(), 2u);
 
     // Both redo keys bring the step back, each in turn.
@@ -99,22 +92,23 @@ TEST_F(UndoRouting, EachRegionUndoesItsOwnStepsAndTheCommandsNameThem)
         SCOPED_TRACE(keys);
         EXPECT_EQ(redo()->text(), QStringLiteral("Redo Add chord"));
         press(m_part, QKeySequence(QString::fromLatin1(keys)));
-        EXPECT_EQ(m_partState, 1);
+        EXPECT_EQ(partChords(), before + 1);
         press(m_part, QKeySequence(QStringLiteral("Ctrl+Z")));
-        EXPECT_EQ(m_partState, 0);
+        EXPECT_EQ(partChords(), before);
     }
 }
 
 TEST_F(UndoRouting, FocusOutsideTheRegionsKeepsTheLastRegionsHistory)
 {
-    m_partStack->push(new CountingCommand(QStringLiteral("Add chord"), m_partState));
+    const int before = partChords();
+    addChord();
     m_part->setFocus();
     QSpinBox* tempo = frame().tempoBar()->beatsPerMinuteBox();
     tempo->setFocus();
     ASSERT_TRUE(tempo->hasFocus());
     EXPECT_EQ(undo()->text(), QStringLiteral("Undo Add chord"));
     undo()->trigger();
-    EXPECT_EQ(m_partState, 0);
+    EXPECT_EQ(partChords(), before);
     // The chord database's history had nothing to undo and still has not.
     EXPECT_EQ(chords().undoStack()->count(), 0);
 }
