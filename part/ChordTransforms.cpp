@@ -114,7 +114,7 @@ std::vector<int> closePosition(std::vector<int> notes)
 
 ChordSelection allChords(const Part& part)
 {
-    return chordRange(0, part.count() - 1);
+    return part.count() == 0 ? ChordSelection{} : chordRange(0, part.count() - 1);
 }
 
 ChordSelection chordRange(int first, int last)

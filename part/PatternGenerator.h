@@ -57,7 +57,7 @@ NoteBudget noteBudgetOf(const Part& part, int patternIndex, IndexOption option);
  *
  * Which tracks and rows (relative to the block; a block too small cuts the figure off):
  * - arpeggio: the walk of `order` over notes x octaves, one note every `step` rows on the
- *   first track (octave k on track k, set to B + k);
+ *   first track (octave k on track k, set to B + k; no more octaves than the block has tracks);
  * - block: track k plays note k on every hit, for as many notes as there are tracks;
  * - strum: as block, track k entering `every` * k rows after the hit; order=down starts with
  *   the highest note;

@@ -38,6 +38,7 @@ enum class NoteOrder : std::uint8_t
  * for example `arpeggio order=up-down notes=3 step=2 length=1` or
  * `euclid pulses=3 steps=8 rotate=0,2 name="Tresillo"`. Keys left out keep the defaults below;
  * `formatRecipe` writes only keys that differ from them, so a line reads back to the same recipe.
+ * Keys that a kind does not use are kept with the recipe and have no effect.
  *
  * Chord notes are addressed by index from the first note, so `notes=3` uses the first three
  * notes of each chord. Indices that a chord of the pattern lacks would be silent (or an
