@@ -36,6 +36,7 @@ std::vector<Command> allCommands()
     registerWritePartCommands(commands);
     registerMidiCommands(commands);
     registerPlayCommands(commands);
+    registerVoiceCommands(commands);
     return commands;
 }
 
