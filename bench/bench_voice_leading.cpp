@@ -46,13 +46,13 @@ std::vector<part::PartChord> progression(int count)
 void BM_VoiceLeadingDrop2(benchmark::State& state)
 {
     const std::vector<part::PartChord> chords = progression(static_cast<int>(state.range(0)));
-    part::VoicingSpec spec;
-    spec.style = part::VoicingStyle::Drop2;
-    spec.low = 12;  // C1
-    spec.high = 48; // C4
+    part::VoicingOptions options;
+    options.style = part::VoicingStyle::Drop2;
+    options.low = 12;  // C1
+    options.high = 48; // C4
     std::vector<part::PartChord> led;
     for (auto _ : state) {
-        const music::Result result = part::VoiceLeading::lead(chords, spec, false, led);
+        const music::Result result = part::VoiceLeading::lead(chords, options, false, led);
         if (!result)
             state.SkipWithError(result.message().c_str());
         benchmark::DoNotOptimize(led.data());

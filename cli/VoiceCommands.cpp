@@ -39,37 +39,37 @@ std::pair<int, int> parseChords(const std::string& text)
     return {first, last};
 }
 
-part::VoicingSpec parseSpec(const Arguments& args)
+part::VoicingOptions parseOptions(const Arguments& args)
 {
-    part::VoicingSpec spec;
+    part::VoicingOptions options;
     if (const auto style = args.value("style")) {
         const auto parsed = part::ChordVoicer::parseStyle(*style);
         if (!parsed) {
             throw UsageError("--style: unknown style \"" + *style +
                              "\" (close, open, drop2, drop3, spread)");
         }
-        spec.style = *parsed;
+        options.style = *parsed;
     }
     if (const auto range = args.value("range")) {
         const std::size_t comma = range->find(',');
         if (comma == std::string::npos)
             throw UsageError("--range needs two notes separated by a comma, such as E2,G5");
-        spec.low = parseRangeNote(range->substr(0, comma));
-        spec.high = parseRangeNote(range->substr(comma + 1));
-        if (spec.low > spec.high)
+        options.low = parseRangeNote(range->substr(0, comma));
+        options.high = parseRangeNote(range->substr(comma + 1));
+        if (options.low > options.high)
             throw UsageError("--range: the lowest note lies above the highest");
     }
     if (const auto bass = args.value("bass")) {
         if (*bass == "root") {
-            spec.bass = part::BassRule::Root;
+            options.bass = part::BassRule::Root;
         } else if (const auto note = music::parseNoteName(*bass)) {
-            spec.bass = part::BassRule::Note;
-            spec.bassNote = *note;
+            options.bass = part::BassRule::Note;
+            options.bassNote = *note;
         } else {
             throw UsageError("--bass: \"" + *bass + "\" is neither root nor a note name");
         }
     }
-    return spec;
+    return options;
 }
 
 void printCosts(std::ostream& out, const part::VoicedRun& run)
@@ -86,7 +86,7 @@ int runVoice(const Arguments& args, Context& context)
 {
     const std::string partPath = args.required("part");
     const std::string output = args.required("output");
-    const part::VoicingSpec spec = parseSpec(args);
+    const part::VoicingOptions options = parseOptions(args);
     std::pair<int, int> chords = {part::kNoIndex, part::kNoIndex};
     if (const auto text = args.value("chords"))
         chords = parseChords(*text);
@@ -99,7 +99,7 @@ int runVoice(const Arguments& args, Context& context)
 
     part::VoicedRun run;
     const music::Result voiced = part::VoiceLeading::voicePart(
-        p, chords.first, chords.second, spec, args.has("lead"), args.has("keep-first"), run);
+        p, chords.first, chords.second, options, args.has("lead"), args.has("keep-first"), run);
     if (!voiced)
         return context.fail(voiced.message());
     part::VoiceLeading::apply(run, p);

@@ -133,20 +133,20 @@ music::PitchClass ChordVoicer::root(const PartChord& chord)
     return music::pitchClassOf(chord.notes[0]);
 }
 
-music::Result ChordVoicer::checkSpec(const VoicingSpec& spec)
+music::Result ChordVoicer::checkOptions(const VoicingOptions& options)
 {
-    if (spec.high >= music::kEmptyNote)
+    if (options.high >= music::kEmptyNote)
         return music::Result::failure(std::string(kRangeTooHighMessage));
-    if (spec.low > spec.high)
+    if (options.low > options.high)
         return music::Result::failure(std::string(kBadRangeMessage));
     return music::Result::success();
 }
 
-std::vector<Voicing> ChordVoicer::candidates(const PartChord& chord, const VoicingSpec& spec)
+std::vector<Voicing> ChordVoicer::candidates(const PartChord& chord, const VoicingOptions& options)
 {
     std::vector<Voicing> out;
     const int count = std::min<int>(chord.noteCount, PartChord::kMaxNotes);
-    if (count == 0 || !checkSpec(spec))
+    if (count == 0 || !checkOptions(options))
         return out;
 
     const int rootClass = root(chord);
@@ -163,15 +163,15 @@ std::vector<Voicing> ChordVoicer::candidates(const PartChord& chord, const Voici
     }
     const int maxHeld = *std::max_element(held.begin(), held.end());
 
-    const int bassClass = spec.bassNote % music::kPitchClassCount;
+    const int bassClass = options.bassNote % music::kPitchClassCount;
     const bool addBass =
-        spec.bass == BassRule::Note && held[static_cast<std::size_t>(bassClass)] == 0;
+        options.bass == BassRule::Note && held[static_cast<std::size_t>(bassClass)] == 0;
     if (addBass && count == PartChord::kMaxNotes)
         return out;
     int requiredBass = -1;
-    if (spec.bass == BassRule::Root)
+    if (options.bass == BassRule::Root)
         requiredBass = rootClass;
-    else if (spec.bass == BassRule::Note && !addBass)
+    else if (options.bass == BassRule::Note && !addBass)
         requiredBass = bassClass;
 
     const int toneCount = static_cast<int>(tones.size());
@@ -192,7 +192,7 @@ std::vector<Voicing> ChordVoicer::candidates(const PartChord& chord, const Voici
                 shape.notes[static_cast<std::size_t>(shape.count++)] = note;
             }
         }
-        applyStyle(shape, spec.style);
+        applyStyle(shape, options.style);
         if (addBass) {
             const int lowest = shape.notes[0];
             const int gap = ((lowest - bassClass) % 12 + 12) % 12;
@@ -207,8 +207,8 @@ std::vector<Voicing> ChordVoicer::candidates(const PartChord& chord, const Voici
         const int lowest = shape.notes[0];
         const int highest = shape.notes[static_cast<std::size_t>(shape.count - 1)];
         // The smallest whole-octave shift that lifts the lowest note into the range.
-        const int firstShift = -floorDiv(lowest - spec.low, 12) * 12;
-        for (int shift = firstShift; highest + shift <= spec.high; shift += 12) {
+        const int firstShift = -floorDiv(lowest - options.low, 12) * 12;
+        for (int shift = firstShift; highest + shift <= options.high; shift += 12) {
             Voicing v;
             v.count = static_cast<std::uint8_t>(shape.count);
             v.inversion = static_cast<std::uint8_t>(inversion);
@@ -225,16 +225,16 @@ std::vector<Voicing> ChordVoicer::candidates(const PartChord& chord, const Voici
     return out;
 }
 
-music::Result ChordVoicer::voice(const PartChord& chord, const VoicingSpec& spec, Voicing& out,
-                                 int index)
+music::Result ChordVoicer::voice(const PartChord& chord, const VoicingOptions& options,
+                                 Voicing& out, int index)
 {
-    if (const music::Result checked = checkSpec(spec); !checked)
+    if (const music::Result checked = checkOptions(options); !checked)
         return checked;
-    const std::vector<Voicing> all = candidates(chord, spec);
+    const std::vector<Voicing> all = candidates(chord, options);
     if (all.empty())
-        return music::Result::failure(noVoicingMessage(chord, spec, index));
+        return music::Result::failure(noVoicingMessage(chord, options, index));
 
-    const int middle = spec.low + spec.high;
+    const int middle = options.low + options.high;
     const auto distance = [&](const Voicing& v) {
         return std::abs(v.lowest() + v.highest() - middle);
     };
@@ -266,13 +266,13 @@ PartChord ChordVoicer::withNotes(const PartChord& chord, const Voicing& voicing)
     return out;
 }
 
-std::string ChordVoicer::noVoicingMessage(const PartChord& chord, const VoicingSpec& spec,
+std::string ChordVoicer::noVoicingMessage(const PartChord& chord, const VoicingOptions& options,
                                           int index)
 {
     std::string which = index >= 0 ? "chord " + std::to_string(index) + " (" + chord.name + ")"
                                    : "the chord " + chord.name;
-    if (spec.bass == BassRule::Note && chord.noteCount >= PartChord::kMaxNotes) {
-        const int bass = spec.bassNote % music::kPitchClassCount;
+    if (options.bass == BassRule::Note && chord.noteCount >= PartChord::kMaxNotes) {
+        const int bass = options.bassNote % music::kPitchClassCount;
         bool held = false;
         for (int i = 0; i < PartChord::kMaxNotes; ++i)
             held = held || pitchClassOfNote(chord.notes[static_cast<std::size_t>(i)]) == bass;
@@ -281,9 +281,9 @@ std::string ChordVoicer::noVoicingMessage(const PartChord& chord, const VoicingS
                    " in " + which + ": a chord holds at most 7 notes.";
         }
     }
-    return "No " + std::string(styleLabel(spec.style)) + " voicing of " + which + " fits between " +
-           music::noteNameWithOctave(spec.low) + " and " + music::noteNameWithOctave(spec.high) +
-           ".";
+    return "No " + std::string(styleLabel(options.style)) + " voicing of " + which +
+           " fits between " + music::noteNameWithOctave(options.low) + " and " +
+           music::noteNameWithOctave(options.high) + ".";
 }
 
 } // namespace part

@@ -4,7 +4,7 @@
 #include "music/Result.h"
 #include "part/PartChord.h"
 #include "part/Voicing.h"
-#include "part/VoicingSpec.h"
+#include "part/VoicingOptions.h"
 
 #include <optional>
 #include <string>
@@ -48,15 +48,15 @@ public:
     static music::PitchClass root(const PartChord& chord);
 
     /** A failure when the range is unusable (low above high, high above 119). */
-    static music::Result checkSpec(const VoicingSpec& spec);
+    static music::Result checkOptions(const VoicingOptions& options);
 
     /**
-     * Every distinct voicing of the spec's style, over all inversions and octave positions, with
+     * Every distinct voicing of the style asked for, over all inversions and octave positions, with
      * every note within the range and the bass the bass rule asks for; in inversion order, then
      * from low to high. Empty for a chord without notes, for a chord of seven notes that would
      * need an added bass, or when nothing fits.
      */
-    static std::vector<Voicing> candidates(const PartChord& chord, const VoicingSpec& spec);
+    static std::vector<Voicing> candidates(const PartChord& chord, const VoicingOptions& options);
 
     /**
      * The voicing of the chord on its own: the lowest inversion number among the candidates
@@ -64,7 +64,7 @@ public:
      * range (the lower one on a tie). A failure that names the chord (and `index` when it is not
      * negative) when nothing fits.
      */
-    static music::Result voice(const PartChord& chord, const VoicingSpec& spec, Voicing& out,
+    static music::Result voice(const PartChord& chord, const VoicingOptions& options, Voicing& out,
                                int index = -1);
 
     /** The chord's notes as they stand, sorted from low to high. */
@@ -74,7 +74,8 @@ public:
     static PartChord withNotes(const PartChord& chord, const Voicing& voicing);
 
     /** "No drop-2 voicing of chord 3 (Cmaj7) fits between E2 and G5.", and similar. */
-    static std::string noVoicingMessage(const PartChord& chord, const VoicingSpec& spec, int index);
+    static std::string noVoicingMessage(const PartChord& chord, const VoicingOptions& options,
+                                        int index);
 };
 
 } // namespace part

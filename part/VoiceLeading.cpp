@@ -174,10 +174,11 @@ VoiceLeadingCost VoiceLeading::runCost(const std::vector<PartChord>& chords)
     return cost;
 }
 
-music::Result VoiceLeading::lead(const std::vector<PartChord>& chords, const VoicingSpec& spec,
-                                 bool keepFirst, std::vector<PartChord>& out, int indexBase)
+music::Result VoiceLeading::lead(const std::vector<PartChord>& chords,
+                                 const VoicingOptions& options, bool keepFirst,
+                                 std::vector<PartChord>& out, int indexBase)
 {
-    if (const music::Result checked = ChordVoicer::checkSpec(spec); !checked)
+    if (const music::Result checked = ChordVoicer::checkOptions(options); !checked)
         return checked;
     const std::vector<int> voiced = chordsWithNotes(chords);
     if (voiced.empty()) {
@@ -185,34 +186,34 @@ music::Result VoiceLeading::lead(const std::vector<PartChord>& chords, const Voi
         return music::Result::success();
     }
 
-    std::vector<std::vector<Voicing>> options(voiced.size());
+    std::vector<std::vector<Voicing>> choices(voiced.size());
     for (std::size_t k = 0; k < voiced.size(); ++k) {
         const PartChord& chord = chords[static_cast<std::size_t>(voiced[k])];
         if (k == 0 && keepFirst)
-            options[k].push_back(ChordVoicer::sortedNotes(chord));
+            choices[k].push_back(ChordVoicer::sortedNotes(chord));
         else
-            options[k] = ChordVoicer::candidates(chord, spec);
-        if (options[k].empty()) {
+            choices[k] = ChordVoicer::candidates(chord, options);
+        if (choices[k].empty()) {
             return music::Result::failure(
-                ChordVoicer::noVoicingMessage(chord, spec, voiced[k] + indexBase));
+                ChordVoicer::noVoicingMessage(chord, options, voiced[k] + indexBase));
         }
     }
 
-    const Voicing& kept = options.front().front();
+    const Voicing& kept = choices.front().front();
     const long long anchor =
-        keepFirst ? kept.lowest() + kept.highest() : int(spec.low) + int(spec.high);
+        keepFirst ? kept.lowest() + kept.highest() : int(options.low) + int(options.high);
     const auto drift = [&](const Voicing& v) {
         return std::llabs(v.lowest() + v.highest() - anchor);
     };
 
     // score[j]: the best run ending in option j of the chord at hand; from[k][j]: its predecessor.
     std::vector<Score> score;
-    for (const Voicing& v : options.front())
+    for (const Voicing& v : choices.front())
         score.push_back({0, drift(v)});
     std::vector<std::vector<int>> from(voiced.size());
     for (std::size_t k = 1; k < voiced.size(); ++k) {
-        const std::vector<Voicing>& previous = options[k - 1];
-        const std::vector<Voicing>& current = options[k];
+        const std::vector<Voicing>& previous = choices[k - 1];
+        const std::vector<Voicing>& current = choices[k];
         std::vector<Score> next(current.size());
         from[k].assign(current.size(), 0);
         for (std::size_t j = 0; j < current.size(); ++j) {
@@ -237,7 +238,7 @@ music::Result VoiceLeading::lead(const std::vector<PartChord>& chords, const Voi
     for (std::size_t k = voiced.size(); k-- > 0;) {
         if (k > 0 || !keepFirst) {
             PartChord& chord = result[static_cast<std::size_t>(voiced[k])];
-            chord = ChordVoicer::withNotes(chord, options[k][static_cast<std::size_t>(choice)]);
+            chord = ChordVoicer::withNotes(chord, choices[k][static_cast<std::size_t>(choice)]);
         }
         if (k > 0)
             choice = from[k][static_cast<std::size_t>(choice)];
@@ -246,10 +247,11 @@ music::Result VoiceLeading::lead(const std::vector<PartChord>& chords, const Voi
     return music::Result::success();
 }
 
-music::Result VoiceLeading::voiceEach(const std::vector<PartChord>& chords, const VoicingSpec& spec,
-                                      bool keepFirst, std::vector<PartChord>& out, int indexBase)
+music::Result VoiceLeading::voiceEach(const std::vector<PartChord>& chords,
+                                      const VoicingOptions& options, bool keepFirst,
+                                      std::vector<PartChord>& out, int indexBase)
 {
-    if (const music::Result checked = ChordVoicer::checkSpec(spec); !checked)
+    if (const music::Result checked = ChordVoicer::checkOptions(options); !checked)
         return checked;
     std::vector<PartChord> result = chords;
     bool first = true;
@@ -262,7 +264,7 @@ music::Result VoiceLeading::voiceEach(const std::vector<PartChord>& chords, cons
             continue;
         Voicing voicing;
         const music::Result voicedOne =
-            ChordVoicer::voice(result[i], spec, voicing, static_cast<int>(i) + indexBase);
+            ChordVoicer::voice(result[i], options, voicing, static_cast<int>(i) + indexBase);
         if (!voicedOne)
             return voicedOne;
         result[i] = ChordVoicer::withNotes(result[i], voicing);
@@ -272,8 +274,8 @@ music::Result VoiceLeading::voiceEach(const std::vector<PartChord>& chords, cons
 }
 
 music::Result VoiceLeading::voicePart(const Part& part, int first, int last,
-                                      const VoicingSpec& spec, bool leadVoices, bool keepFirst,
-                                      VoicedRun& out)
+                                      const VoicingOptions& options, bool leadVoices,
+                                      bool keepFirst, VoicedRun& out)
 {
     if (first == kNoIndex)
         first = 0;
@@ -285,8 +287,8 @@ music::Result VoiceLeading::voicePart(const Part& part, int first, int last,
     const std::vector<PartChord> run(part.chords().begin() + first,
                                      part.chords().begin() + last + 1);
     std::vector<PartChord> voiced;
-    const music::Result result = leadVoices ? lead(run, spec, keepFirst, voiced, first)
-                                            : voiceEach(run, spec, keepFirst, voiced, first);
+    const music::Result result = leadVoices ? lead(run, options, keepFirst, voiced, first)
+                                            : voiceEach(run, options, keepFirst, voiced, first);
     if (!result)
         return result;
     out.first = first;

@@ -4,7 +4,7 @@
 #include "part/Part.h"
 #include "part/PartChord.h"
 #include "part/Voicing.h"
-#include "part/VoicingSpec.h"
+#include "part/VoicingOptions.h"
 
 #include <string_view>
 #include <vector>
@@ -88,15 +88,16 @@ public:
      * when a chord has no voicing in it, naming the chord by its index in `chords` plus
      * `indexBase`.
      */
-    static music::Result lead(const std::vector<PartChord>& chords, const VoicingSpec& spec,
+    static music::Result lead(const std::vector<PartChord>& chords, const VoicingOptions& options,
                               bool keepFirst, std::vector<PartChord>& out, int indexBase = 0);
 
     /**
      * Voices every chord on its own (ChordVoicer::voice). With `keepFirst` the first chord with
      * notes stays as it is. Fails like `lead`.
      */
-    static music::Result voiceEach(const std::vector<PartChord>& chords, const VoicingSpec& spec,
-                                   bool keepFirst, std::vector<PartChord>& out, int indexBase = 0);
+    static music::Result voiceEach(const std::vector<PartChord>& chords,
+                                   const VoicingOptions& options, bool keepFirst,
+                                   std::vector<PartChord>& out, int indexBase = 0);
 
     /**
      * Voices the part's chords first..last (inclusive, 0-based; part::kNoIndex in `first` means
@@ -104,8 +105,9 @@ public:
      * each chord on its own otherwise. The part is not changed: apply the run with `apply` after
      * recording an undo point. Fails with kEmptyRangeMessage when the range holds no chord.
      */
-    static music::Result voicePart(const Part& part, int first, int last, const VoicingSpec& spec,
-                                   bool leadVoices, bool keepFirst, VoicedRun& out);
+    static music::Result voicePart(const Part& part, int first, int last,
+                                   const VoicingOptions& options, bool leadVoices, bool keepFirst,
+                                   VoicedRun& out);
 
     /** Puts the run's chords into the part at their indices (those beyond the part are left). */
     static void apply(const VoicedRun& run, Part& part);

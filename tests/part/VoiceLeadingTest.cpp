@@ -28,9 +28,9 @@ Voicing voicingOf(std::initializer_list<music::NoteValue> notes)
     return ChordVoicer::sortedNotes(chordOf("", notes));
 }
 
-VoicingSpec specOf(VoicingStyle style, int low, int high)
+VoicingOptions optionsOf(VoicingStyle style, int low, int high)
 {
-    VoicingSpec s;
+    VoicingOptions s;
     s.style = style;
     s.low = static_cast<music::NoteValue>(low);
     s.high = static_cast<music::NoteValue>(high);
@@ -43,15 +43,15 @@ std::vector<int> notesOf(const PartChord& c)
 }
 
 /** Chooses each chord's voicing by looking only at the chord before it. */
-int greedyTotal(const std::vector<PartChord>& chords, const VoicingSpec& spec)
+int greedyTotal(const std::vector<PartChord>& chords, const VoicingOptions& options)
 {
     int total = 0;
     Voicing previous;
     for (std::size_t k = 0; k < chords.size(); ++k) {
-        const std::vector<Voicing> options = ChordVoicer::candidates(chords[k], spec);
+        const std::vector<Voicing> choices = ChordVoicer::candidates(chords[k], options);
         int best = std::numeric_limits<int>::max();
-        Voicing chosen = options.front();
-        for (const Voicing& v : options) {
+        Voicing chosen = choices.front();
+        for (const Voicing& v : choices) {
             const int cost = k == 0 ? 0 : VoiceLeading::transitionCost(previous, v).total();
             if (cost < best) {
                 best = cost;
@@ -65,20 +65,20 @@ int greedyTotal(const std::vector<PartChord>& chords, const VoicingSpec& spec)
 }
 
 /** Tries every combination of candidates: the true optimum of a short run. */
-int exhaustiveTotal(const std::vector<PartChord>& chords, const VoicingSpec& spec)
+int exhaustiveTotal(const std::vector<PartChord>& chords, const VoicingOptions& options)
 {
-    std::vector<std::vector<Voicing>> options;
+    std::vector<std::vector<Voicing>> choices;
     for (const PartChord& c : chords)
-        options.push_back(ChordVoicer::candidates(c, spec));
+        choices.push_back(ChordVoicer::candidates(c, options));
     int best = std::numeric_limits<int>::max();
     std::function<void(std::size_t, const Voicing&, int)> walk = [&](std::size_t k,
                                                                      const Voicing& previous,
                                                                      int sum) {
-        if (k == options.size()) {
+        if (k == choices.size()) {
             best = std::min(best, sum);
             return;
         }
-        for (const Voicing& v : options[k])
+        for (const Voicing& v : choices[k])
             walk(k + 1, v, k == 0 ? 0 : sum + VoiceLeading::transitionCost(previous, v).total());
     };
     walk(0, Voicing{}, 0);
@@ -126,7 +126,8 @@ TEST(VoiceLeading, TwoFiveOneInCloseMovesEveryVoiceByAtMostAWholeTone)
                                            chordOf("G7", {7, 11, 14, 17}),
                                            chordOf("Cmaj7", {0, 4, 7, 11})};
     std::vector<PartChord> led;
-    ASSERT_TRUE(VoiceLeading::lead(chords, specOf(VoicingStyle::Close, 24, 48), false, led).ok());
+    ASSERT_TRUE(
+        VoiceLeading::lead(chords, optionsOf(VoicingStyle::Close, 24, 48), false, led).ok());
     ASSERT_EQ(led.size(), 3u);
     for (std::size_t k = 1; k < led.size(); ++k) {
         ASSERT_EQ(led[k].noteCount, 4);
@@ -147,7 +148,7 @@ TEST(VoiceLeading, OneSixFourFiveFromAFixedFirstChordGivesTheTextbookVoicings)
     }();
     VoicedRun run;
     ASSERT_TRUE(VoiceLeading::voicePart(part, kNoIndex, kNoIndex,
-                                        specOf(VoicingStyle::Close, 19, 43), true, true, run)
+                                        optionsOf(VoicingStyle::Close, 19, 43), true, true, run)
                     .ok());
     // C E G, C E A, C F A, B D G: common tones held, the rest by step.
     const std::vector<std::vector<int>> expected = {
@@ -180,15 +181,15 @@ TEST(VoiceLeading, IsExactAndNeverWorseThanTheGreedyChoice)
                     classes[static_cast<std::size_t>(i)] + 12 * pick(0, 1));
             chords.push_back(c);
         }
-        const VoicingSpec spec =
-            specOf(static_cast<VoicingStyle>(pick(0, 4)), pick(12, 30), pick(60, 80));
+        const VoicingOptions options =
+            optionsOf(static_cast<VoicingStyle>(pick(0, 4)), pick(12, 30), pick(60, 80));
         std::vector<PartChord> led;
-        const music::Result result = VoiceLeading::lead(chords, spec, false, led);
+        const music::Result result = VoiceLeading::lead(chords, options, false, led);
         ASSERT_TRUE(result.ok()) << result.message();
         const int total = VoiceLeading::runCost(led).total();
-        EXPECT_LE(total, greedyTotal(chords, spec)) << "round " << round;
+        EXPECT_LE(total, greedyTotal(chords, options)) << "round " << round;
         if (length <= 3) {
-            EXPECT_EQ(total, exhaustiveTotal(chords, spec)) << "round " << round;
+            EXPECT_EQ(total, exhaustiveTotal(chords, options)) << "round " << round;
         }
     }
 }
@@ -207,7 +208,7 @@ TEST(VoiceLeading, KeepsTheFirstAndEmptyChordsAndLeadsAcrossNoteCounts)
 
     VoicedRun run;
     ASSERT_TRUE(
-        VoiceLeading::voicePart(part, 1, 4, specOf(VoicingStyle::Close, 0, 30), true, true, run)
+        VoiceLeading::voicePart(part, 1, 4, optionsOf(VoicingStyle::Close, 0, 30), true, true, run)
             .ok());
     Part voiced = part;
     VoiceLeading::apply(run, voiced);
@@ -232,14 +233,15 @@ TEST(VoiceLeading, NamesTheChordThatDoesNotFitByItsPlaceInThePart)
     for (bool lead : {true, false}) {
         VoicedRun run;
         const music::Result result = VoiceLeading::voicePart(
-            part, 1, 2, specOf(VoicingStyle::Close, 24, 31), lead, false, run);
+            part, 1, 2, optionsOf(VoicingStyle::Close, 24, 31), lead, false, run);
         EXPECT_EQ(result.message(), "No close voicing of chord 2 (Cmaj9) fits between C2 and G2.");
         EXPECT_TRUE(run.chords.empty());
     }
     VoicedRun run;
-    EXPECT_EQ(VoiceLeading::voicePart(part, 3, 5, VoicingSpec{}, true, false, run).message(),
+    EXPECT_EQ(VoiceLeading::voicePart(part, 3, 5, VoicingOptions{}, true, false, run).message(),
               VoiceLeading::kEmptyRangeMessage);
-    EXPECT_EQ(VoiceLeading::voicePart(Part{}, kNoIndex, kNoIndex, VoicingSpec{}, true, false, run)
-                  .message(),
-              VoiceLeading::kEmptyRangeMessage);
+    EXPECT_EQ(
+        VoiceLeading::voicePart(Part{}, kNoIndex, kNoIndex, VoicingOptions{}, true, false, run)
+            .message(),
+        VoiceLeading::kEmptyRangeMessage);
 }

@@ -35,7 +35,7 @@ enum class BassRule : std::uint8_t
 };
 
 /** A voicing request: the style, the range every note must lie in, and the bass rule. */
-struct VoicingSpec
+struct VoicingOptions
 {
     VoicingStyle style = VoicingStyle::Close;
     /**
@@ -49,7 +49,7 @@ struct VoicingSpec
     /** The bass pitch class 0..11 for BassRule::Note. */
     music::PitchClass bassNote = 0;
 
-    friend bool operator==(const VoicingSpec&, const VoicingSpec&) = default;
+    friend bool operator==(const VoicingOptions&, const VoicingOptions&) = default;
 };
 
 } // namespace part
