@@ -37,6 +37,7 @@ std::vector<Command> allCommands()
     registerMidiCommands(commands);
     registerPlayCommands(commands);
     registerTransformCommands(commands);
+    registerVoiceCommands(commands);
     return commands;
 }
 
