@@ -36,6 +36,7 @@ std::vector<Command> allCommands()
     registerWritePartCommands(commands);
     registerMidiCommands(commands);
     registerPlayCommands(commands);
+    registerChordNameCommands(commands);
     return commands;
 }
 
