@@ -90,12 +90,14 @@ std::string joinDegrees(const std::vector<std::string>& degrees)
 constexpr std::array<const char*, 7> kOrdinals = {"root position", "first", "second", "third",
                                                   "fourth",        "fifth", "sixth"};
 
-/** The other name of a black key: Db for C#, C# for Db. */
+/** The same pitch class on the neighbouring letter: Db for C#, C# for Db, G for F##. */
 SpelledNote enharmonic(SpelledNote note)
 {
-    if (note.accidental > 0)
-        return {static_cast<std::uint8_t>((note.letter + 1) % 7), -1};
-    return {static_cast<std::uint8_t>((note.letter + 6) % 7), 1};
+    const int letter = (note.letter + (note.accidental > 0 ? 1 : 6)) % 7;
+    int accidental = (note.pitchClass() - SpelledNote::letterPitchClass(letter) + 12) % 12;
+    if (accidental > 6)
+        accidental -= 12;
+    return {static_cast<std::uint8_t>(letter), static_cast<std::int8_t>(accidental)};
 }
 
 int wrap(int value)

@@ -50,7 +50,8 @@ class ChordTypeList;
  * Names are spelled for a key when a NoteSpeller for it is given: a root in the key takes the
  * key's name for it (Ab in Eb major, G# in E major). A root outside the key, or any root without
  * a key, takes the speller's name (without a key the usual one: Db, Eb, F#, Ab, Bb) unless the
- * other name of that black key writes the chord with fewer accidentals (C#m rather than Dbm). The
+ * name on the neighbouring letter writes the chord with fewer accidentals (C#m rather than Dbm,
+ * G rather than the F## of G# minor). The
  * other notes are spelled by their degree above the root (E/G#, Cdim7 with Bbb). This spelling is
  * for musicians and differs from the program's own note names, which use sharps only.
  *

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -176,8 +177,9 @@ TEST(ChordNamer, NamesTextbookChordsFirstAndListsTheirOtherReadings)
         {"B3 Eb4 Gb4", "Gb", "Cb", "Cb major", {}},
         {"G#3 B3 D4 F4", "A minor", "G#dim7", "G# diminished seventh", {}},
         {"B3 D4 F4 Ab4", "C minor", "Bdim7", "B diminished seventh", {}},
-        {"Bb3 D4 F4", "E", "Bb", "Bb major", {}},  // outside the key: fewer accidentals
-        {"Eb3 G3 Bb3", "E", "D#", "D# major", {}}, // on the key's seventh degree
+        {"Bb3 D4 F4", "E", "Bb", "Bb major", {}},     // outside the key: fewer accidentals
+        {"Eb3 G3 Bb3", "E", "D#", "D# major", {}},    // on the key's seventh degree
+        {"G3 B3 D4", "G# minor", "G", "G major", {}}, // not the key's raised seventh, F##
         {"C#4 E4 G#4", "", "C#m", "C# minor", {}},
         {"Db4 F4 Ab4", "", "Db", "Db major", {}},
         {"F#4 A#4 C#5", "", "F#", "F# major", {}},
@@ -246,14 +248,18 @@ TEST(ChordNamer, CandidatesCarryRootBassInversionDegreesAndSpelledNotes)
 
 TEST(ChordNamer, EveryPitchClassSetGetsNamesThatHoldExactlyItsNotes)
 {
-    // Every set once without a bass and once over one of its notes, each note in turn.
+    // Every set once without a bass and once over one of its notes, each note in turn; spelled
+    // without a key, in G# minor (with its F##) and in Db major, in turn.
     const ChordNamer& namer = shippedNamer();
+    const std::array<NoteSpeller, 3> spellers = {
+        NoteSpeller(), NoteSpeller::forKey({4, 1}, true), NoteSpeller::forKey({1, -1}, false)};
     for (std::uint16_t mask = 1; mask < 4096; ++mask) {
         const PitchClassSet set(mask);
         const std::vector<PitchClass> members = set.pitchClasses();
+        const NoteSpeller& speller = spellers[mask % spellers.size()];
         for (const std::optional<PitchClass> bass :
              {std::optional<PitchClass>(), std::optional(members[mask % members.size()])}) {
-            const std::vector<ChordCandidate> got = namer.name(set, bass);
+            const std::vector<ChordCandidate> got = namer.name(set, bass, speller);
             ASSERT_FALSE(got.empty()) << mask;
             for (std::size_t i = 0; i < got.size(); ++i) {
                 const ChordCandidate& c = got[i];
