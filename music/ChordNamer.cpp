@@ -211,6 +211,7 @@ std::vector<ChordCandidate> ChordNamer::name(PitchClassSet notes, std::optional<
     }
 
     std::vector<ChordCandidate> out;
+    out.reserve(std::min<std::size_t>(readings.size(), 16));
     PitchClassSet rootsSeen;
     for (const Reading& reading : readings) {
         const bool complete = reading.missing.isEmpty() && reading.added.isEmpty();
@@ -334,7 +335,9 @@ ChordCandidate ChordNamer::describe(const Reading& reading, std::optional<PitchC
     for (std::size_t i = 0; i < addedCount; ++i)
         c.added.emplace_back(addedDegree(addedPcs[i], type).text);
 
-    c.name = c.rootName.text() + type.symbol;
+    const std::string rootText = c.rootName.text();
+    c.name.reserve(24);
+    c.name.append(rootText).append(type.symbol);
     if (!c.omitted.empty())
         c.name += "(no" + joinDegrees(c.omitted) + ")";
     if (!c.added.empty()) {
@@ -343,8 +346,11 @@ ChordCandidate ChordNamer::describe(const Reading& reading, std::optional<PitchC
     }
 
     const bool singleNote = type.tones.count() == 1;
-    c.description =
-        singleNote ? "the single note " + c.rootName.text() : c.rootName.text() + " " + type.name;
+    c.description.reserve(64);
+    if (singleNote)
+        c.description.append("the single note ").append(rootText);
+    else
+        c.description.append(rootText).append(" ").append(type.name);
     if (!c.omitted.empty()) {
         std::vector<std::string> words;
         for (const std::string& d : c.omitted)
