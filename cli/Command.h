@@ -65,5 +65,6 @@ void registerMidiCommands(std::vector<Command>& commands);
 void registerPlayCommands(std::vector<Command>& commands);
 void registerTransformCommands(std::vector<Command>& commands);
 void registerVoiceCommands(std::vector<Command>& commands);
+void registerChordNameCommands(std::vector<Command>& commands);
 
 } // namespace cli

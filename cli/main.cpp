@@ -38,6 +38,7 @@ std::vector<Command> allCommands()
     registerPlayCommands(commands);
     registerTransformCommands(commands);
     registerVoiceCommands(commands);
+    registerChordNameCommands(commands);
     return commands;
 }
 
