@@ -100,6 +100,9 @@ expect_in out "\"ErsHihat\""
 run 1 remove-machine "$SONG" NoSuchMachine -o "$WORK/x.bmx" --data "$DATA"
 expect_in err "NoSuchMachine"
 [ -e "$WORK/x.bmx" ] && fail "a failed removal wrote a file"
+run 1 remove-machine "$SONG" Master -o "$WORK/x.bmx" --data "$DATA"
+expect_in err "The master cannot be removed"
+[ -e "$WORK/x.bmx" ] && fail "removing the master wrote a file"
 
 # Remove patterns.
 run 0 remove-patterns "$SONG" ErsKick --all --output "$WORK/nopatterns.bmx" --data "$DATA"
