@@ -280,19 +280,4 @@ TEST(SongCells, TrackCountGrowsWithDefaultsAndShrinksEveryPattern)
     expectRoundTrip(song);
 }
 
-TEST(SongQueries, FindByNameAndInputs)
-{
-    const BuzzSong song = fiveMachineSong();
-    EXPECT_EQ(song.findMachine("C"), 3u);
-    EXPECT_EQ(song.findMachine("c"), BuzzSong::kNameNotFound);
-    EXPECT_EQ(song.findMachine("Z"), BuzzSong::kNameNotFound);
-    EXPECT_EQ(song.inputsOf(0), (std::vector<std::size_t>{0, 1, 2}));
-    EXPECT_EQ(song.inputsOf(3), (std::vector<std::size_t>{3}));
-    EXPECT_TRUE(song.inputsOf(4).empty());
-    EXPECT_EQ(song.sequencesOf(4), (std::vector<std::size_t>{3}));
-    EXPECT_EQ(song.findParameterSet("D"), 4u);
-    EXPECT_EQ(BuzzSong::findParameter(song.machines()[1].description, "NOTE"), 2u);
-    EXPECT_FALSE(BuzzSong::findParameter(song.machines()[1].description, "wave"));
-}
-
 } // namespace

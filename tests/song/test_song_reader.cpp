@@ -240,16 +240,6 @@ TEST(SongReader, SectionNamesMatchIgnoringCaseAndWaveIsTheWaveData)
     EXPECT_EQ(song.rawSections()[0].name, "blah");
 }
 
-TEST(SongReader, SongWithoutWaveSectionsGetsEmptyDefaults)
-{
-    BuzzSong song;
-    ASSERT_TRUE(readWith(songFile(sectionsWithout({"WAVT", "CWAV"})), song).ok());
-    EXPECT_TRUE(song.waves().empty());
-    EXPECT_EQ(song.waveTable(), (Rows{0, 0}));
-    EXPECT_TRUE(song.waveData().empty());
-    EXPECT_TRUE(song.hasWaveData());
-}
-
 TEST(SongReader, KeepsAtMostSixteenUnknownSections)
 {
     std::vector<Section> sections = referenceSections();

@@ -82,7 +82,10 @@ TEST(SongWriter, WritesSectionsInFixedOrderUnchangedExceptTheBannerAndReadsBackT
 
 TEST(SongWriter, WaveSectionsAreEmptyWithoutWavesAndSkippedWithoutWaveData)
 {
-    const Written empty = saved(readReference(songFile(sectionsWithout({"WAVT", "CWAV"}))));
+    const BuzzSong noWaves = readReference(songFile(sectionsWithout({"WAVT", "CWAV"})));
+    EXPECT_TRUE(noWaves.waves().empty());
+    EXPECT_TRUE(noWaves.waveData().empty());
+    const Written empty = saved(noWaves);
     EXPECT_EQ(empty.entries[3].name, "WAVT");
     EXPECT_EQ(empty.bytes(3), std::string(2, '\0'));
     EXPECT_EQ(empty.entries[4].name, "CWAV");
