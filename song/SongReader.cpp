@@ -249,6 +249,10 @@ private:
     void useSongDescription(SongMachine& machine, const MachineParameterSet& set);
     music::Result checkSectionEnd(const SectionEntry& entry, int code, const std::string& what);
     std::string rescanHint() const;
+    void noteEnd(const SectionEntry& entry)
+    {
+        m_parsed.push_back({entry.name, std::uint64_t{entry.offset} + entry.size, m_c.position()});
+    }
     music::Result readSequences();
     music::Result readMidi();
     music::Result readParameterWindows();
@@ -264,6 +268,7 @@ private:
     BuzzSong m_song;
     std::size_t m_searched = 0; // directory entries the sections are looked up in
     std::optional<std::vector<MachineParameterSet>> m_songSets;
+    std::vector<ParsedSection> m_parsed;
     std::vector<std::string> m_unconfirmed;    // machines read by a layout the song doesn't confirm
     std::shared_ptr<const std::string> m_file; // m_data's owner when the wave data may stay in it
 };
@@ -674,6 +679,7 @@ music::Result SongReader::Parser::run(BuzzSong& song)
         m_c.seekClamped(conn->offset);
         if (music::Result r = readConnections(); !r)
             return r;
+        noteEnd(*conn);
     }
     if (music::Result r = m_reader.m_catalog.loadDatabase(); !r)
         return r;
@@ -684,21 +690,25 @@ music::Result SongReader::Parser::run(BuzzSong& song)
             return r;
         if (music::Result r = checkSectionEnd(*mach, Code::kMachineRecord, "machines"); !r)
             return r;
+        noteEnd(*mach);
     }
     if (const SectionEntry* sequ = section("SEQU")) {
         m_c.seekClamped(sequ->offset);
         if (music::Result r = readSequences(); !r)
             return r;
+        noteEnd(*sequ);
     }
     if (const SectionEntry* midi = section("MIDI")) {
         m_c.seekClamped(midi->offset);
         if (music::Result r = readMidi(); !r)
             return r;
+        noteEnd(*midi);
     }
     if (const SectionEntry* pdlg = section("PDLG")) {
         m_c.seekClamped(pdlg->offset);
         if (music::Result r = readParameterWindows(); !r)
             return r;
+        noteEnd(*pdlg);
     }
     if (const SectionEntry* patt = section("PATT")) {
         m_c.seekClamped(patt->offset);
@@ -706,6 +716,7 @@ music::Result SongReader::Parser::run(BuzzSong& song)
             return r;
         if (music::Result r = checkSectionEnd(*patt, Code::kPatternRows, "patterns"); !r)
             return r;
+        noteEnd(*patt);
     } else {
         // A song without patterns still gets one empty block per machine.
         for (const SongMachine& machine : m_song.machines())
@@ -716,11 +727,13 @@ music::Result SongReader::Parser::run(BuzzSong& song)
         std::string version;
         if (m_c.string(version))
             m_song.setVersionText(std::move(version));
+        noteEnd(*bver);
     }
     if (const SectionEntry* para = section("PARA")) {
         m_c.seekClamped(para->offset);
         if (music::Result r = parseParameterSets(m_c, m_song.parameterSets()); !r)
             return r;
+        noteEnd(*para);
     }
     if (const SectionEntry* wavt = section("WAVT")) {
         std::vector<std::uint8_t> table;
@@ -760,12 +773,14 @@ music::Result SongReader::Parser::run(BuzzSong& song)
         m_song.rawSections().push_back(std::move(raw));
     }
     song = std::move(m_song);
+    m_reader.m_parsedSections = std::move(m_parsed);
     return music::Result::success();
 }
 
 music::Result SongReader::readBytes(std::string_view bytes, BuzzSong& song)
 {
     m_warnings.clear();
+    m_parsedSections.clear();
     try {
         Parser parser(*this, bytes, nullptr);
         return parser.run(song);
@@ -777,6 +792,7 @@ music::Result SongReader::readBytes(std::string_view bytes, BuzzSong& song)
 music::Result SongReader::readShared(std::shared_ptr<const std::string> bytes, BuzzSong& song)
 {
     m_warnings.clear();
+    m_parsedSections.clear();
     if (!bytes)
         return fail(Code::kHeader);
     try {

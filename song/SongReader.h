@@ -5,6 +5,7 @@
 #include "song/MachineCatalog.h"
 #include "song/UnknownMachineHandler.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -39,6 +40,16 @@ public:
     /** What the last read had to say besides its result (shown, but nothing failed). */
     const std::vector<std::string>& warnings() const { return m_warnings; }
 
+    /** A section the last successful read parsed: where it should end and where it did. */
+    struct ParsedSection
+    {
+        std::string name;
+        std::uint64_t directoryEnd = 0; // offset + size from the directory
+        std::uint64_t parsedEnd = 0;    // where parsing its contents stopped
+    };
+    /** The parsed sections (CONN, MACH, SEQU, MIDI, PDLG, PATT, BVER, PARA) in reading order. */
+    const std::vector<ParsedSection>& parsedSections() const { return m_parsedSections; }
+
     /** Reads the file at `path` into `song` (which also remembers the path). */
     music::Result read(const std::filesystem::path& path, BuzzSong& song);
     /** Reads a song from the bytes of a whole file. */
@@ -71,6 +82,7 @@ private:
     MachineCatalog& m_catalog;
     UnknownMachineHandler* m_handler = nullptr;
     std::vector<std::string> m_warnings;
+    std::vector<ParsedSection> m_parsedSections;
 };
 
 } // namespace song
