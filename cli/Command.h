@@ -63,5 +63,6 @@ void registerMachineCommands(std::vector<Command>& commands);
 void registerWritePartCommands(std::vector<Command>& commands);
 void registerMidiCommands(std::vector<Command>& commands);
 void registerPlayCommands(std::vector<Command>& commands);
+void registerSongMachineCommands(std::vector<Command>& commands);
 
 } // namespace cli
