@@ -32,6 +32,7 @@ std::vector<Command> allCommands()
     registerMusicCommands(commands);
     registerPartCommands(commands);
     registerSongCommands(commands);
+    registerSongMachineCommands(commands);
     registerMachineCommands(commands);
     registerWritePartCommands(commands);
     registerMidiCommands(commands);
