@@ -2,6 +2,8 @@
 
 #include "app/AppIcons.h"
 #include "app/CMainFrame.h"
+#include "app/ChordDatabaseCommands.h"
+#include "app/ChordDatabasePanel.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/CTonalmancerView.h"
 #include "app/MessageBoxes.h"
@@ -83,7 +85,7 @@ void CTonalmancerApp::openFromCommandLine(const CommandLine& line)
         return;
 
     if (line.fileKind() == CommandLine::FileKind::ChordDatabase) {
-        view()->loadChordListFrom(line.file());
+        view()->chordDatabase()->menuCommands().loadChordListFrom(line.file());
     } else if (m_partEditorOpener) {
         m_partEditorOpener(line.fileKind(), line.file());
     } else {

@@ -1,6 +1,7 @@
 // What the desktop hands the program: the command line of a double-clicked file, --help and
 // --version, and the toolbar's icons on light and dark palettes.
 #include "AppTestSupport.h"
+#include "app/ChordDatabasePanel.h"
 
 #include "app/AppIcons.h"
 #include "app/CommandLine.h"
@@ -132,7 +133,7 @@ TEST_F(OpenFromDesktop, AChordDatabaseReplacesTheDefaultOne)
 
     ASSERT_TRUE(start(path));
     EXPECT_TRUE(m_messages.texts().isEmpty());
-    const auto& groups = m_app->view()->collection().baseGroups();
+    const auto& groups = m_app->view()->chordDatabase()->collection().baseGroups();
     ASSERT_EQ(groups.size(), 1u);
     EXPECT_EQ(groups[0].name, "From the file manager");
 }
@@ -148,7 +149,7 @@ TEST_F(OpenFromDesktop, AnUnreadableChordDatabaseKeepsTheDefaultOneAndItsFile)
     ASSERT_TRUE(start(path));
     EXPECT_EQ(m_messages.texts(),
               QStringList{QString::fromLatin1(music::ChordCollection::kNotValid.data())});
-    EXPECT_FALSE(m_app->view()->collection().isEmpty());
+    EXPECT_FALSE(m_app->view()->chordDatabase()->collection().isEmpty());
     QFile reread(path);
     ASSERT_TRUE(reread.open(QIODevice::ReadOnly));
     EXPECT_EQ(reread.readAll(), QByteArray("Not_Chords\n1\n"));
