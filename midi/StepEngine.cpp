@@ -5,6 +5,15 @@
 
 namespace midi {
 
+namespace {
+
+std::uint8_t noteOffOn(std::uint8_t channel)
+{
+    return static_cast<std::uint8_t>(MidiEvent::kNoteOff | channel);
+}
+
+} // namespace
+
 StepEngine::StepEngine(StepSink& sink) : m_sink(sink)
 {
     m_sounding.fill(kNoNote);
@@ -110,7 +119,6 @@ void StepEngine::renderCurrentRow()
     const part::RowEvents events =
         part::renderPartRow(m_part, m_chord, m_currentChord, m_stepInChord, m_options);
     const auto noteOn = static_cast<std::uint8_t>(MidiEvent::kNoteOn | m_channel);
-    const auto noteOff = static_cast<std::uint8_t>(MidiEvent::kNoteOff | m_channel);
 
     m_pending.clear();
     for (std::size_t track = 0; track < events.size(); ++track) {
@@ -121,11 +129,12 @@ void StepEngine::renderCurrentRow()
             continue;
         std::uint8_t& sounding = m_sounding[track];
         if (sounding != kNoNote) {
-            m_pending.push_back({m_stepIndex, noteOff, sounding, 0});
+            m_pending.push_back({m_stepIndex, noteOffOn(m_soundingChannel[track]), sounding, 0});
             sounding = kNoNote;
         }
         if (event.type == part::TrackEvent::Type::Note) {
             sounding = static_cast<std::uint8_t>(event.note);
+            m_soundingChannel[track] = m_channel;
             m_pending.push_back({m_stepIndex, noteOn, sounding, 0});
         }
     }
@@ -146,11 +155,11 @@ void StepEngine::sendPending()
 
 void StepEngine::stopNotes(std::uint32_t stepIndex)
 {
-    const auto noteOff = static_cast<std::uint8_t>(MidiEvent::kNoteOff | m_channel);
-    for (std::uint8_t& sounding : m_sounding) {
+    for (std::size_t track = 0; track < m_sounding.size(); ++track) {
+        std::uint8_t& sounding = m_sounding[track];
         if (sounding == kNoNote)
             continue;
-        m_sink.send({stepIndex, noteOff, sounding, m_velocity - 1});
+        m_sink.send({stepIndex, noteOffOn(m_soundingChannel[track]), sounding, m_velocity - 1});
         sounding = kNoNote;
     }
 }
