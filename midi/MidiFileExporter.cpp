@@ -27,7 +27,7 @@ public:
         m_lastEventStep = message.step;
 
         const std::uint32_t packed =
-            MidiEvent::packMessage(message.channel(), message.note, message.fileVelocity());
+            MidiEvent::packMessage(message.channel(), message.note, message.velocityByte());
         if (message.isNoteOn())
             m_file.addNoteOn(delta, packed);
         else

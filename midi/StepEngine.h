@@ -21,8 +21,9 @@ namespace midi {
  * track's sounding note (if any, on the channel it started on) followed by a note on. Every message
  * of a step gets the velocity V - r + n / 2: V the velocity setting, r =
  * music::RandomSource::random(3) drawn per message, n the number of messages of the step. When V is
- * above 127 the message still uses it and V then becomes 127. Notes outside 0..127 (only damaged
- * patterns make them) are skipped.
+ * above 127 the message still uses it and V then becomes 127; the byte sent or stored is clamped
+ * into 1..127 (see StepMessage::velocityByte), so a file never holds an invalid data byte. Notes
+ * outside 0..127 (only damaged patterns make them) are skipped.
  *
  * A chord plays rows 0..length-1 of its pattern; chords of length 0 are passed over. When the
  * last chord has played its rows, the next `step()` stops every sounding note (velocity V - 1)

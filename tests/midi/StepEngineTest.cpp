@@ -202,16 +202,15 @@ TEST_F(StepEngineTest, SkipsNotesThatNoMidiNoteNumberCanHold)
     EXPECT_EQ(m_engine.soundingNote(0), StepEngine::kNoNote);
 }
 
-TEST(StepMessage, VelocityBytesForFilesAndDevices)
+TEST(StepMessage, VelocityByteStaysAValidDataByteAndANoteOnNeverReadsAsANoteOff)
 {
-    // Status, computed velocity, the byte for a file and the byte for a device.
-    const std::vector<std::array<int, 4>> cases = {
-        {kOn, 64, 64, 64},  {kOn, 128, 0x80, 127}, {kOn, 130, 0x82, 127}, {kOn, 0, 0, 1},
-        {kOn, -1, 0xFF, 1}, {kOff, -1, 0xFF, 0},   {kOff, 0, 0, 0},       {kOff | 9, 200, 200, 127},
+    // Status, computed velocity, and the byte that goes to devices and files.
+    const std::vector<std::array<int, 3>> cases = {
+        {kOn, 64, 64}, {kOn, 128, 127}, {kOn, 130, 127}, {kOn, 0, 1},
+        {kOn, -1, 1},  {kOff, -1, 0},   {kOff, 0, 0},    {kOff | 9, 200, 127},
     };
-    for (const auto& [status, velocity, file, device] : cases) {
+    for (const auto& [status, velocity, byte] : cases) {
         const StepMessage m{0, static_cast<std::uint8_t>(status), 60, velocity};
-        EXPECT_EQ(m.fileVelocity(), file) << velocity;
-        EXPECT_EQ(m.deviceVelocity(), device) << velocity;
+        EXPECT_EQ(m.velocityByte(), byte) << status << ", " << velocity;
     }
 }
