@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 namespace music {
 
@@ -84,7 +85,7 @@ Chord ChordCollection::makeChord(const ChordType& type, const IntervalList& inte
     return chord;
 }
 
-void ChordCollection::generateList(const ChordTypeList& types)
+void ChordCollection::generateList(const ChordTypeList& types, const ChordFilter& keep)
 {
     m_groups.clear();
 
@@ -104,21 +105,28 @@ void ChordCollection::generateList(const ChordTypeList& types)
         const IntervalList intervals = type.intervals();
         if (!intervals.isUsable())
             continue;
+        std::array<std::optional<Chord>, kPitchClassCount> chords;
+        for (int base = 0; base < kPitchClassCount; ++base) {
+            const auto root = static_cast<PitchClass>(base);
+            Chord chord = makeChord(type, intervals, root);
+            if (!keep || keep(root, chord))
+                chords[static_cast<std::size_t>(base)] = std::move(chord);
+        }
         const int count = intervals.count();
         if (count >= 2 && count <= Chord::kSlotCount) {
             ChordSubsection subsection{type.name(), {}};
-            subsection.chords.reserve(kPitchClassCount);
-            for (int base = 0; base < kPitchClassCount; ++base)
-                subsection.chords.push_back(
-                    makeChord(type, intervals, static_cast<PitchClass>(base)));
-            byChord.sections[static_cast<std::size_t>(count - 2)].subsections.push_back(
-                std::move(subsection));
+            for (const std::optional<Chord>& chord : chords) {
+                if (chord)
+                    subsection.chords.push_back(*chord);
+            }
+            if (!subsection.chords.empty())
+                byChord.sections[static_cast<std::size_t>(count - 2)].subsections.push_back(
+                    std::move(subsection));
         }
         const auto classIndex = static_cast<std::size_t>(std::min(count, Chord::kSlotCount));
-        for (int base = 0; base < kPitchClassCount; ++base) {
-            byNote.sections[static_cast<std::size_t>(base)]
-                .subsections[classIndex]
-                .chords.push_back(makeChord(type, intervals, static_cast<PitchClass>(base)));
+        for (std::size_t base = 0; base < chords.size(); ++base) {
+            if (chords[base])
+                byNote.sections[base].subsections[classIndex].chords.push_back(*chords[base]);
         }
     }
 

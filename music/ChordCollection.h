@@ -7,6 +7,7 @@
 
 #include <array>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,13 +63,19 @@ public:
     static Chord makeChord(const ChordType& type, const IntervalList& intervals, PitchClass base);
 
     /**
-     * "Generate List": replaces the collection with the base groups "Sorted by chord" and
-     * "Sorted by note" built from `types`, then removes their empty sections and subsections.
-     * Types whose construction is invalid or empty make no chord. A type with more than five
-     * intervals is skipped in "Sorted by chord" and put, with its first five notes, among the
-     * "ninths" of "Sorted by note".
+     * Decides whether a generated chord goes into the collection; `root` is the base pitch class
+     * the chord was built on (its name alone cannot tell: "C" + "#5" reads as "C#5").
      */
-    void generateList(const ChordTypeList& types);
+    using ChordFilter = std::function<bool(PitchClass root, const Chord& chord)>;
+
+    /**
+     * "Generate List": replaces the collection with the base groups "Sorted by chord" and
+     * "Sorted by note" built from `types`, keeping only the chords `keep` accepts (all when it
+     * is empty), then removes their empty sections and subsections. Types whose construction is
+     * invalid or empty make no chord. A type with more than five intervals is skipped in "Sorted
+     * by chord" and put, with its first five notes, among the "ninths" of "Sorted by note".
+     */
+    void generateList(const ChordTypeList& types, const ChordFilter& keep = {});
 
     /** Appends an empty base group and returns its index; -1 when the tree holds 65535 already. */
     int addBaseGroup(std::string name);
