@@ -84,7 +84,7 @@ bool StepEngine::enterChord(int index)
 {
     for (; index <= m_lastChord; ++index) {
         const part::PartChord& chord = m_part.chord(index);
-        if (chord.length == 0)
+        if (chord.rows() == 0)
             continue;
         m_currentChord = static_cast<std::uint16_t>(index);
         m_stepInChord = 0;
@@ -99,7 +99,7 @@ bool StepEngine::step()
     if (!m_playing)
         return false;
     ++m_stepInChord;
-    if (m_stepInChord >= m_part.chord(m_currentChord).length && !enterChord(m_currentChord + 1)) {
+    if (m_stepInChord >= m_part.chord(m_currentChord).rows() && !enterChord(m_currentChord + 1)) {
         stop();
         return false;
     }

@@ -149,8 +149,8 @@ TEST(MidiFileExporter, RefusesWhatCannotMakeAFileWithTheMessageForIt)
     const part::Part p = makePart({part::Pattern()}, {makeChord({0}, 4), makeChord({0}, 4)});
     const part::Part empty = part::Part::makeNew();
     part::Part tooLong = makePart({part::Pattern()}, {});
-    for (int i = 0; i < 12000; ++i)
-        tooLong.append(makeChord({0}, 255)); // 3,060,000 steps of 96 ticks: beyond 28 bits
+    for (int i = 0; i < 44000; ++i)
+        tooLong.append(makeChord({0}, 64)); // 2,816,000 steps of 96 ticks: beyond 28 bits
     const std::string slow = "Beats per minute must be at least 4 to be written to a MIDI file.";
     const std::vector<std::tuple<const part::Part*, MidiExportOptions, std::string>> cases = {
         {&empty, options(4), "The part has no chords."},

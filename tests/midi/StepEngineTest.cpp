@@ -91,6 +91,11 @@ TEST_F(StepEngineTest, PlaysEachChordForItsLengthAndEndsAfterTheLastOrTheSingleC
     five.setSelection(0, 1); // a single chord plays regardless of the selection
     EXPECT_EQ(walk(m_engine.startSingleChord(five, 2)), (Pairs{{2, 0}, {2, 1}, {2, 2}}));
     EXPECT_FALSE(m_engine.startSingleChord(five, 5)) << "no such chord";
+
+    five.chord(0).length = 200; // past the pattern's 64 rows: no silent steps after row 63
+    const Pairs rows = walk(m_engine.startSingleChord(five, 0));
+    ASSERT_EQ(rows.size(), 64u);
+    EXPECT_EQ(rows.back(), (std::pair<int, int>{0, 63}));
 }
 
 TEST_F(StepEngineTest, RefusesWhatCannotPlay)

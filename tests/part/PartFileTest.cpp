@@ -3,6 +3,7 @@
 #include "TempFolder.h"
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
+#include "part/PartPresetList.h"
 #include "part/PartTextFormat.h"
 
 #include <gtest/gtest.h>
@@ -97,6 +98,44 @@ TEST(PartFile, ReadsNumbersAsTheLineRulesSay)
         const std::string written = PartFile::serialize(PartFile::parse(bytes));
         EXPECT_EQ(written.substr(written.find("Chords")), expected) << bytes.size();
     }
+}
+
+TEST(PartFile, ChordLengthsAbove64AreLoweredTo64WhereverTheyEnter)
+{
+    // A pattern has 64 rows: a longer length played silence after row 63. The length lines of
+    // four chords, and the lengths read back (as 8-bit numbers first: 300 is 44).
+    const std::string chords = "list\n5\nA\n1\n0\n64\n0\nB\n1\n0\n65\n0\nC\n1\n0\n255\n0\n"
+                               "D\n1\n0\n0\n0\nE\n1\n0\n300\n0\n";
+    const std::vector<int> expected = {64, 64, 64, 0, 44};
+    const auto lengths = [](const Part& p) {
+        std::vector<int> out;
+        for (const PartChord& chord : p.chords())
+            out.push_back(chord.length);
+        return out;
+    };
+    EXPECT_EQ(lengths(PartFile::parse("\n0\n" + chords)), expected) << "part file";
+    // A part preset: name, tempo, selection, base octave, twelve flags, patterns, chords.
+    std::string preset = std::string(PartPresetList::kMagic) + "\n1\nP\n126\n4\n0\n0\n4\n";
+    for (int flag = 0; flag < 12; ++flag)
+        preset += "1\n";
+    PartPresetList presets;
+    ASSERT_TRUE(presets.parse(preset + "\n0\n" + chords).ok());
+    ASSERT_EQ(presets.count(), 1);
+    EXPECT_EQ(lengths(presets.presets()[0].part), expected) << "part preset file";
+
+    // Set in memory: the part and the chord keep it within 0..64; renderers read rows(), which
+    // holds for a value stored into the field directly.
+    Part p;
+    PartChord chord;
+    chord.length = 200;
+    EXPECT_EQ(chord.rows(), 64);
+    p.append(chord);
+    p.insert(0, chord);
+    chord.setLength(-3);
+    p.append(chord);
+    chord.setLength(1000);
+    p.append(chord);
+    EXPECT_EQ(lengths(p), (std::vector<int>{64, 64, 0, 64}));
 }
 
 TEST(PartFile, ShortDamagedAndForeignFilesReadWithoutHarm)
