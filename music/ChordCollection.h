@@ -29,6 +29,8 @@ class ChordCollection
 {
 public:
     static constexpr std::string_view kMagic = "Tonalmancer_Chords";
+    /** The working collection in the data folder, loaded at start-up. */
+    static constexpr const char* kDefaultFileName = "default.crd";
     static constexpr std::string_view kErrorOpening = "Error opening file.";
     static constexpr std::string_view kNotValid = "Seems to be no valid file.";
     static constexpr std::size_t kMaxChildren = 65535;

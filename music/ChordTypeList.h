@@ -24,6 +24,8 @@ class ChordTypeList
 {
 public:
     static constexpr std::string_view kMagic = "Tonalmancer_ConstructChords";
+    /** The list in the data folder that the type dialogs load and "Defaults" restores. */
+    static constexpr const char* kDefaultFileName = "default.ccl";
     static constexpr std::string_view kErrorOpening = "Error opening file.";
     static constexpr std::string_view kNotValid = "Seems to be no valid file.";
     static constexpr std::string_view kInvalidConstruction = "No valid construction string";
