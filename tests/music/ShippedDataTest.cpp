@@ -60,5 +60,6 @@ TEST(ShippedData, ChordDatabaseIsWhatRegeneratingGives)
     ASSERT_TRUE(scales.load(kData / music::ScaleList::kDefaultFileName).ok());
     const std::string expected = music::DefaultDatabase::build(types, scales).toBytes();
     const auto shipped = music::readFileBytes(kData / music::ChordCollection::kDefaultFileName);
-    EXPECT_TRUE(shipped == expected) << "data/default.crd is stale: run tools/make-default-crd.sh";
+    EXPECT_TRUE(shipped == expected)
+        << "data/default.crd is stale: cmake --build --preset dev --target regenerate-defaults";
 }
