@@ -7,7 +7,8 @@ namespace midi {
 
 namespace {
 
-std::uint8_t noteOffOn(std::uint8_t channel)
+/** The status of a note off on `channel` (0..15). */
+std::uint8_t noteOffStatus(std::uint8_t channel)
 {
     return static_cast<std::uint8_t>(MidiEvent::kNoteOff | channel);
 }
@@ -129,7 +130,8 @@ void StepEngine::renderCurrentRow()
             continue;
         std::uint8_t& sounding = m_sounding[track];
         if (sounding != kNoNote) {
-            m_pending.push_back({m_stepIndex, noteOffOn(m_soundingChannel[track]), sounding, 0});
+            m_pending.push_back(
+                {m_stepIndex, noteOffStatus(m_soundingChannel[track]), sounding, 0});
             sounding = kNoNote;
         }
         if (event.type == part::TrackEvent::Type::Note) {
@@ -159,7 +161,7 @@ void StepEngine::stopNotes(std::uint32_t stepIndex)
         std::uint8_t& sounding = m_sounding[track];
         if (sounding == kNoNote)
             continue;
-        m_sink.send({stepIndex, noteOffOn(m_soundingChannel[track]), sounding, m_velocity - 1});
+        m_sink.send({stepIndex, noteOffStatus(m_soundingChannel[track]), sounding, m_velocity - 1});
         sounding = kNoNote;
     }
 }
