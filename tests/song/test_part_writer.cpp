@@ -427,7 +427,7 @@ TEST_F(PartWriterTest, SequenceWidthsGrowWithChordCountAndTotalLength)
         {121, 1, 1, 2},  // 121 chords
         {51, 5, 1, 1},   // 255 rows
         {64, 4, 2, 1},   // 256 rows
-        {130, 200, 2, 2} // positions beyond one byte, values beyond one byte
+        {130, 64, 2, 2}  // positions beyond one byte, values beyond one byte
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::to_string(c.chords) + " x " + std::to_string(c.length));
@@ -504,14 +504,14 @@ TEST_F(PartWriterTest, ChanceCellsSoundSometimesAndRepeatWithTheSeed)
     }
 }
 
-TEST_F(PartWriterTest, ChordsLongerThanThePatternGetEmptyRowsAfterRow63)
+TEST_F(PartWriterTest, ChordLengthsAbove64AreCappedAtThePatternsRows)
 {
     part::Part p = partWith({0}, {{0, 63, chordNote(0)}}, 4, 100);
     write(p, {});
-    ASSERT_EQ(m_song.patternBlocks()[kSynth].patterns[0].rows, 100);
-    std::vector<int> expected(100, 0);
+    ASSERT_EQ(m_song.patternBlocks()[kSynth].patterns[0].rows, 64);
+    std::vector<int> expected(64, 0);
     expected[63] = code(0, 4);
-    EXPECT_EQ(notes(0, 100), expected);
+    EXPECT_EQ(notes(0, 64), expected);
 }
 
 TEST_F(PartWriterTest, ChordOnAMissingPatternWritesAnEmptyPattern)
