@@ -6,11 +6,15 @@
 #include "music/ChordDatabaseEdits.h"
 
 #include <QAbstractItemModelTester>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QFile>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
 #include <QUndoStack>
 
 #include <functional>
@@ -447,6 +451,54 @@ TEST_F(ChordDatabaseView, EditsUndoAndRedoKeepOpenFoldersAndTheSelection)
         panel.undoStack()->redo();
         check("after redo");
     }
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ChordDatabaseView, F2RenamesInTheTreeAndOpensTheManagerElsewhere)
+{
+    chords().collection() = smallCollection();
+    chords().refreshTree();
+    EXPECT_TRUE(chords().tree()->toolTip().contains(QStringLiteral("F2 renames")));
+    frame().show();
+    frame().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+
+    struct Case
+    {
+        const char* where;
+        QWidget* focus;
+        bool renames;
+    };
+    const Case cases[] = {
+        {"chord tree", chords().tree(), true},
+        {"part list", view().regions().partList, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.where);
+        chords().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
+        c.focus->setFocus();
+        QString opened; // the title of a dialog that F2 opened, closed again at once
+        QTimer::singleShot(0, [&opened] {
+            if (QWidget* modal = QApplication::activeModalWidget()) {
+                opened = modal->windowTitle();
+                modal->close();
+            }
+        });
+        QTest::keyClick(c.focus, Qt::Key_F2);
+        QCoreApplication::processEvents();
+        const auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        const bool renaming = editor != nullptr && chords().tree()->isAncestorOf(editor);
+        EXPECT_EQ(renaming, c.renames);
+        EXPECT_EQ(opened.isEmpty(), c.renames) << opened.toStdString();
+        if (renaming) {
+            EXPECT_EQ(editor->text(), QStringLiteral("d"));
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        }
+    }
+    frame().hide();
 }
 
 } // namespace
