@@ -239,7 +239,7 @@ void ChordTreeCommands::generateBaseWith(const music::ChordDatabaseEdits::Genera
 
 void ChordTreeCommands::generateBase()
 {
-    CGenerateDialog dialog(QStringLiteral("Generate Base"), m_panel.scales(), &m_panel);
+    CGenerateDialog dialog(CGenerateDialog::Mode::Base, m_panel.scales(), &m_panel);
     if (dialog.exec() == QDialog::Accepted)
         generateBaseWith(dialog.options());
 }

@@ -82,7 +82,7 @@ int main(int argc, char* argv[])
     save(*treeMenu, folder, QStringLiteral("chord-tree-menu"));
     treeMenu->hide();
 
-    app::CGenerateDialog generate(QStringLiteral("Generate List"), chords.scales(), &frame);
+    app::CGenerateDialog generate(app::CGenerateDialog::Mode::List, chords.scales(), &frame);
     save(generate, folder, QStringLiteral("generate-dialog"));
     app::CFindDialog find(QStringLiteral("Find chord"),
                           chordCommands.chordSearch().includeHistory(),

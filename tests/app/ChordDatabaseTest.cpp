@@ -1,11 +1,13 @@
 // The chord database as the tree shows it: generation, edits, undo, files and the tree model.
 #include "AppTestSupport.h"
 
+#include "app/CGenerateDialog.h"
 #include "app/CTreeCtrlX.h"
 #include "app/ChordCollectionModel.h"
 #include "music/ChordDatabaseEdits.h"
 
 #include <QAbstractItemModelTester>
+#include <QAction>
 #include <QApplication>
 #include <QCoreApplication>
 #include <QFile>
@@ -19,6 +21,7 @@
 
 #include <functional>
 #include <optional>
+#include <tuple>
 
 namespace {
 
@@ -499,6 +502,38 @@ TEST_F(ChordDatabaseView, F2RenamesInTheTreeAndOpensTheManagerElsewhere)
         }
     }
     frame().hide();
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ChordDatabaseView, GenerationDialogOffersTheNameOnlyWhereItIsUsed)
+{
+    // "Generate List" names its two groups itself; "Generate Base" names its group as typed.
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {"chords.generate", "Generate List", false},
+        {"tree.generateBase", "Generate Base", true},
+    };
+    for (const auto& [id, title, nameUsed] : cases) {
+        SCOPED_TRACE(id);
+        QAction* command = frame().action(id);
+        if (command == nullptr)
+            command = view().contextMenu("chordTree")->findChild<QAction*>(QString::fromLatin1(id));
+        ASSERT_NE(command, nullptr);
+        bool seen = false;
+        QTimer::singleShot(0, [&, title = title, nameUsed = nameUsed] {
+            auto* dialog = qobject_cast<app::CGenerateDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            seen = true;
+            EXPECT_EQ(dialog->windowTitle(), QString::fromLatin1(title));
+            EXPECT_EQ(dialog->nameEdit()->text(), QStringLiteral("noname"));
+            EXPECT_EQ(dialog->nameEdit()->isEnabled(), nameUsed);
+            dialog->reject();
+        });
+        command->trigger();
+        EXPECT_TRUE(seen);
+    }
 }
 
 } // namespace

@@ -90,7 +90,7 @@ TEST(GenerateDialog, StartsAsNonameAndMapsTheScaleOntoItsBaseNote)
 {
     music::ScaleList scales;
     scales.add("major", "xoxoxxoxoxox");
-    app::CGenerateDialog dialog(QStringLiteral("Generate Base"), scales);
+    app::CGenerateDialog dialog(app::CGenerateDialog::Mode::Base, scales);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Generate Base"));
     EXPECT_EQ(dialog.nameEdit()->text(), QStringLiteral("noname"));
     EXPECT_FALSE(dialog.options().scale.has_value());
