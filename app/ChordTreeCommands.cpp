@@ -299,7 +299,7 @@ void ChordTreeCommands::addChordFromList()
     const auto target = chordTarget();
     if (!target)
         return;
-    CChordFromListDialog dialog(m_panel.chordTypes(), &m_panel);
+    CChordFromListDialog dialog(m_panel.chordTypes(), m_panel.userFolder(), &m_panel);
     if (dialog.exec() != QDialog::Accepted)
         return;
     const music::Chord chord = dialog.chord();
