@@ -22,7 +22,8 @@ CGenerateDialog::CGenerateDialog(Mode mode, const music::ScaleList& scales, QWid
     m_name = new QLineEdit(QStringLiteral("noname"), this);
     m_name->setObjectName(QStringLiteral("generateName"));
     m_name->setAccessibleName(tr("Name of the base group"));
-    m_name->selectAll();
+    if (mode == Mode::Base)
+        m_name->selectAll();
     if (mode == Mode::List) {
         m_name->setEnabled(false);
         const auto text = [](std::string_view name) {
