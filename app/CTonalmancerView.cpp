@@ -35,6 +35,7 @@ QWidget* titled(const QString& title, QWidget* content, QWidget* parent)
 {
     auto* box = new QWidget(parent);
     box->setObjectName(content->objectName() + QStringLiteral("Box"));
+    box->setAccessibleName(QString(title).remove(QLatin1Char('&')));
     auto* layout = new QVBoxLayout(box);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->setSpacing(2);
@@ -259,6 +260,7 @@ void CTonalmancerView::attachContextMenu(std::string_view name, QWidget* widget)
 {
     QMenu* menu = ActionFactory::buildContextMenu(
         name, widget, [this](std::string_view id) { return m_frame.action(id); });
+    menu->setAccessibleName(tr("%1 commands").arg(widget->accessibleName()));
     registerContextMenu(name, menu);
     widget->setContextMenuPolicy(Qt::CustomContextMenu);
     auto* area = qobject_cast<QAbstractScrollArea*>(widget);

@@ -1,6 +1,7 @@
 // Takes the screenshots of the manual: starts the program as a user would, opens the main window
 // and each dialog in turn, and saves what they show as PNG files into the folder given.
 #include "app/CAboutDialog.h"
+#include "app/CChordFromListDialog.h"
 #include "app/CChordTypeDialog.h"
 #include "app/CFindDialog.h"
 #include "app/CGenerateDialog.h"
@@ -105,7 +106,7 @@ int main(int argc, char* argv[])
     save(*treeMenu, folder, QStringLiteral("chord-tree-menu"));
     treeMenu->hide();
 
-    app::CGenerateDialog generate(QStringLiteral("Generate List"), chords.scales(), &frame);
+    app::CGenerateDialog generate(app::CGenerateDialog::Mode::List, chords.scales(), &frame);
     save(generate, folder, QStringLiteral("generate-dialog"));
     app::CFindDialog find(QStringLiteral("Find chord"),
                           chordCommands.chordSearch().includeHistory(),
@@ -124,6 +125,8 @@ int main(int argc, char* argv[])
     save(intervals, folder, QStringLiteral("interval-list"));
     app::CScaleGroupDialog group(QStringLiteral("Add Scale/Group"), chords.scales(), &frame);
     save(group, folder, QStringLiteral("scale-group-dialog"));
+    app::CChordFromListDialog picker(chords.chordTypes(), QString(), &frame);
+    save(picker, folder, QStringLiteral("chord-from-list"));
     chordCommands.findScaleWith(
         {true, false, true, false, true, false, false, true, false, false, false, false}, QString(),
         QString());
