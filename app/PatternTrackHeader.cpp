@@ -75,11 +75,13 @@ void PatternTrackHeader::paintSection(QPainter* painter, const QRect& rect, int 
     QFont font = painter->font();
     font.setBold(true);
     painter->setFont(font);
+    const QFontMetrics bold(font);
     const QRect first(lines.left(), lines.top(), pill.left() - lines.left() - 2, lineHeight);
-    painter->drawText(
-        first, Qt::AlignLeft | Qt::AlignVCenter,
-        fontMetrics().elidedText(model()->headerData(logicalIndex, orientation()).toString(),
-                                 Qt::ElideRight, first.width()));
+    // "Track 3" where it fits, else the number alone: narrow windows still tell tracks apart.
+    QString title = model()->headerData(logicalIndex, orientation()).toString();
+    if (bold.horizontalAdvance(title) > first.width())
+        title = QString::number(logicalIndex + 1);
+    painter->drawText(first, Qt::AlignLeft | Qt::AlignVCenter, title);
     font.setBold(false);
     painter->setFont(font);
     const QRect second(lines.left(), lines.top() + lineHeight, lines.width(), lineHeight);
