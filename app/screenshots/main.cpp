@@ -123,7 +123,8 @@ int main(int argc, char* argv[])
 
     // The pattern editor on the demo part's first pattern, its first chord chosen.
     part::Part demo;
-    if (part::PartFile::load(tonalmancer.dataFolder().file(part::PartFile::kDefaultFileName), demo)) {
+    if (part::PartFile::load(tonalmancer.dataFolder().file(part::PartFile::kDefaultFileName),
+                             demo)) {
         view.partSession()->loadPart(demo, QString());
         view.partSession()->setCurrentChord(0);
         auto* grid = qobject_cast<app::PatternGridPanel*>(view.regions().patternGrid);
