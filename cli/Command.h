@@ -64,5 +64,8 @@ void registerWritePartCommands(std::vector<Command>& commands);
 void registerMidiCommands(std::vector<Command>& commands);
 void registerPlayCommands(std::vector<Command>& commands);
 void registerTransformCommands(std::vector<Command>& commands);
+void registerVoiceCommands(std::vector<Command>& commands);
+void registerChordNameCommands(std::vector<Command>& commands);
+void registerSongMachineCommands(std::vector<Command>& commands);
 
 } // namespace cli

@@ -32,11 +32,14 @@ std::vector<Command> allCommands()
     registerMusicCommands(commands);
     registerPartCommands(commands);
     registerSongCommands(commands);
+    registerSongMachineCommands(commands);
     registerMachineCommands(commands);
     registerWritePartCommands(commands);
     registerMidiCommands(commands);
     registerPlayCommands(commands);
     registerTransformCommands(commands);
+    registerVoiceCommands(commands);
+    registerChordNameCommands(commands);
     return commands;
 }
 
