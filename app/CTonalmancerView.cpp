@@ -6,6 +6,7 @@
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
 #include "app/PartSession.h"
+#include "app/PatternGridPanel.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
@@ -146,16 +147,10 @@ QWidget* CTonalmancerView::createPatternListPanel()
 
 QWidget* CTonalmancerView::createPatternGridPanel()
 {
-    auto* grid = named(new QTableWidget(64, 8, this), "patternEditor", tr("Pattern editor"));
-    QStringList tracks;
-    for (int track = 1; track <= 8; ++track)
-        tracks << tr("Track %1").arg(track);
-    grid->setHorizontalHeaderLabels(tracks);
-    grid->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    grid->verticalHeader()->setDefaultSectionSize(20);
-    grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    grid->setToolTip(tr("The pattern of the current chord: 8 tracks by 64 rows."));
-    attachContextMenu("patternEditor", grid);
+    auto* grid = new PatternGridPanel(
+        *m_partSession, [this](std::string_view id) { return m_frame.action(id); }, this);
+    registerContextMenu("patternEditor", grid->contextMenu());
+    registerContextMenu("trackHeader", grid->trackHeaderMenu());
     return grid;
 }
 

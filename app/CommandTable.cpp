@@ -72,9 +72,9 @@ constexpr std::array kKeyAndToolbarOnly = {
     CommandEntry{"edit.redo", "", "Redo", "Ctrl+Shift+Z", "Redo the last undone change."},
 };
 
-constexpr std::array<std::string_view, 11> kContextMenuNames = {
+constexpr std::array<std::string_view, 12> kContextMenuNames = {
     "machineView", "chordTree", "partList", "patternList", "patternPresets", "partPresets",
-    "patternEditor", "settingsView", "chordTypes", "scaleTypes", "chordPicker",
+    "patternEditor", "settingsView", "chordTypes", "scaleTypes", "chordPicker", "trackHeader",
 };
 
 constexpr std::array kContextMenus = {
@@ -187,13 +187,17 @@ constexpr std::array kContextMenus = {
     CommandEntry{"partPreset.saveDefault", "partPresets", "Save List As De&fault", "", "Save the presets as default.", false, kLater},
 
     // The pattern grid. Its last key is shown as the original keyboard labels it.
-    CommandEntry{"patternEditor.copy", "patternEditor", "&Copy", "Ctrl+C", "Copy the selected cells.", false, kLater},
-    CommandEntry{"patternEditor.cut", "patternEditor", "Cu&t", "Ctrl+X", "Cut the selected cells.", false, kLater},
-    CommandEntry{"patternEditor.paste", "patternEditor", "&Paste", "Ctrl+V", "Paste the copied cells.", false, kLater},
-    CommandEntry{"patternEditor.selectAll", "patternEditor", "Select &All", "Ctrl+A", "Select every cell.", false, kLater},
-    CommandEntry{"patternEditor.selectTrack", "patternEditor", "Select T&rack", "Ctrl+Shift+A", "Select the current track.", false, kLater},
-    CommandEntry{"patternEditor.clearSelected", "patternEditor", "C&lear Selected", "Del", "Clear the selected cells.", false, kLater},
-    CommandEntry{"patternEditor.clearPattern", "patternEditor", "Clear Patt&ern", "Ctrl+Entf", "Clear the whole pattern.", false, kLater},
+    CommandEntry{"patternEditor.copy", "patternEditor", "&Copy", "Ctrl+C", "Copy the selected cells."},
+    CommandEntry{"patternEditor.cut", "patternEditor", "Cu&t", "Ctrl+X", "Cut the selected cells."},
+    CommandEntry{"patternEditor.paste", "patternEditor", "&Paste", "Ctrl+V", "Paste the copied cells."},
+    CommandEntry{"patternEditor.selectAll", "patternEditor", "Select &All", "Ctrl+A", "Select every cell."},
+    CommandEntry{"patternEditor.selectTrack", "patternEditor", "Select T&rack", "Ctrl+Shift+A", "Select the current track."},
+    CommandEntry{"patternEditor.clearSelected", "patternEditor", "C&lear Selected", "Del", "Clear the selected cells."},
+    CommandEntry{"patternEditor.clearPattern", "patternEditor", "Clear Patt&ern", "Ctrl+Entf", "Clear the whole pattern."},
+
+    // The pattern grid's track headers: commands on the track right-clicked.
+    CommandEntry{"trackHeader.toggle", "trackHeader", "Track &On", "Ctrl+M", "Turn the track on or off."},
+    CommandEntry{"patternEditor.selectTrack", "trackHeader", "Select T&rack", "", "Select the track."},
 
     // The part settings.
     CommandEntry{"view.showBmx", "settingsView", "Show &Bmx", "", "Switch machine view."},

@@ -18,6 +18,9 @@
 #include "app/ChordDatabaseCommands.h"
 #include "app/ChordDatabasePanel.h"
 #include "app/MessageBoxes.h"
+#include "app/PartSession.h"
+#include "app/PatternGridPanel.h"
+#include "part/PartFile.h"
 
 #include <QApplication>
 #include <QDir>
@@ -143,6 +146,17 @@ int main(int argc, char* argv[])
         view.showMachineView(false);
     }
     app::MessageBoxes::setHandler({});
+
+    // The pattern editor on the demo part's first pattern, its first chord chosen.
+    part::Part demo;
+    if (part::PartFile::load(tonalmancer.dataFolder().file(part::PartFile::kDefaultFileName),
+                             demo)) {
+        view.partSession()->loadPart(demo, QString());
+        view.partSession()->setCurrentChord(0);
+        auto* grid = qobject_cast<app::PatternGridPanel*>(view.regions().patternGrid);
+        grid->moveCursorTo(2, 1);
+        save(*grid, folder, QStringLiteral("pattern-editor"));
+    }
 
     app::CAboutDialog about(&frame);
     save(about, folder, QStringLiteral("about"));
