@@ -24,7 +24,6 @@
 #include <QMenuBar>
 #include <QSettings>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolBar>
 
 namespace app {
