@@ -39,12 +39,16 @@ bool CTonalmancerApp::start(const QStringList& arguments, bool show)
 {
     QString dataDir;
     QString songPath;
+    QString partPath;
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
         if (argument == QStringLiteral("--data") && i + 1 < arguments.size()) {
             dataDir = arguments[++i];
         } else if (argument.startsWith(QStringLiteral("--data="))) {
             dataDir = argument.mid(7);
+        } else if (argument.endsWith(QStringLiteral(".prt"), Qt::CaseInsensitive) &&
+                   partPath.isEmpty()) {
+            partPath = argument; // a part opens in the part editor, beside the song
         } else if (argument.startsWith(QStringLiteral("-")) || !songPath.isEmpty()) {
             MessageBoxes::error(nullptr, QString::fromLatin1(kUsage));
             return false;
@@ -66,7 +70,7 @@ bool CTonalmancerApp::start(const QStringList& arguments, bool show)
     m_frame = std::make_unique<CMainFrame>();
     auto* view = new CTonalmancerView(*m_frame, *m_document, m_dataFolder, m_ports);
     m_frame->setDocumentAndView(m_document.get(), view);
-    view->initialUpdate();
+    view->initialUpdate(partPath);
 
     if (songPath.isEmpty()) {
         m_document->newSong();

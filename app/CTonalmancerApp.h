@@ -26,7 +26,7 @@ class CTonalmancerApp : public QObject
 {
     Q_OBJECT
 public:
-    static constexpr const char* kUsage = "Usage: tonalmancer [--data DIR] [SONG.bmx]";
+    static constexpr const char* kUsage = "Usage: tonalmancer [--data DIR] [SONG.bmx] [PART.prt]";
 
     /** `ports` lists the MIDI outputs; null uses the system's. */
     explicit CTonalmancerApp(std::shared_ptr<midi::MidiPortList> ports = {},
