@@ -31,8 +31,9 @@ std::unique_ptr<QTextDocument> ChordListPrinter::document() const
 {
     QString html = QStringLiteral("<h2>%1</h2>").arg(m_title.toHtmlEscaped());
     html += QStringLiteral("<p>%1</p>")
-                .arg(QObject::tr("%n chord(s), %1 beats per minute, %2 ticks per beat", nullptr,
-                                 m_part.count())
+                .arg((m_part.count() == 1 ? QObject::tr("1 chord")
+                                          : QObject::tr("%1 chords").arg(m_part.count())) +
+                     QObject::tr(", %1 beats per minute, %2 ticks per beat")
                          .arg(m_part.beatsPerMinute())
                          .arg(m_part.ticksPerBeat()));
     html += QStringLiteral("<table border=\"1\" cellspacing=\"0\" cellpadding=\"4\" "

@@ -48,6 +48,7 @@ ChordSettingsDialog::ChordSettingsDialog(const QStringList& patterns, QWidget* p
         m_octaves[s]->setObjectName(QStringLiteral("octave%1").arg(i + 1));
         m_octaves[s]->setRange(0, kHighestOctave);
         m_octaves[s]->setPrefix(tr("octave "));
+        m_octaves[s]->setAccessibleName(tr("Octave of note %1").arg(i + 1));
         m_noteLabels[s]->setBuddy(m_octaves[s]);
         notes->addWidget(m_noteLabels[s], i, 0);
         notes->addWidget(m_octaves[s], i, 1);

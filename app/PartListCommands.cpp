@@ -243,7 +243,7 @@ void PartListCommands::removeSelected()
     removeRows(m_session.selectedChords(), tr(kRemoveChords));
 }
 
-void PartListCommands::removeRows(const std::vector<int>& rows, const QString& label)
+void PartListCommands::removeRows(std::vector<int> rows, const QString& label)
 {
     if (rows.empty())
         return;

@@ -83,7 +83,7 @@ public:
     std::vector<part::PartChord> selectedChords() const;
 
 private:
-    void removeRows(const std::vector<int>& rows, const QString& label);
+    void removeRows(std::vector<int> rows, const QString& label);
 
     PartListPanel& m_panel;
     PartSession& m_session;
