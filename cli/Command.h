@@ -63,5 +63,8 @@ void registerMachineCommands(std::vector<Command>& commands);
 void registerWritePartCommands(std::vector<Command>& commands);
 void registerMidiCommands(std::vector<Command>& commands);
 void registerPlayCommands(std::vector<Command>& commands);
+void registerTransformCommands(std::vector<Command>& commands);
+void registerVoiceCommands(std::vector<Command>& commands);
+void registerChordNameCommands(std::vector<Command>& commands);
 
 } // namespace cli

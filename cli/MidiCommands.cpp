@@ -33,6 +33,7 @@ int runMidi(const Arguments& args, Context& context)
     options.channel = static_cast<std::uint8_t>(args.integer("channel", 0, 15, 0));
     options.velocity = static_cast<int>(args.integer("velocity", 1, 128, 80));
     options.writeBpm = args.has("write-bpm");
+    options.writeChordNames = args.has("markers");
     if (const auto range = args.value("range")) {
         const auto [first, last] = parsePair(*range, 0, 65535, "--range");
         if (first > last)
@@ -64,13 +65,14 @@ void registerMidiCommands(std::vector<Command>& commands)
         {"tpb", true, false},        {"channel", true, false}, {"velocity", true, false},
         {"write-bpm", false, false}, {"range", true, false},
     };
+    options.push_back({"markers", false, false});
     for (OptionSpec& shared : partOptionSpecs())
         options.push_back(std::move(shared));
 
     commands.push_back(Command{
         "midi",
         std::string("--part FILE.prt -o OUT.mid [--bpm N] [--tpb N] [--channel 0..15] "
-                    "[--velocity 1..128] [--write-bpm] [--range FIRST,LAST] ") +
+                    "[--velocity 1..128] [--write-bpm] [--range FIRST,LAST] [--markers] ") +
             partOptionsSynopsis(),
         "Write a part as a Standard MIDI file",
         std::move(options),
@@ -79,7 +81,9 @@ void registerMidiCommands(std::vector<Command>& commands)
         runMidi,
         "Format 1 with a tempo track and a note track. Tempo defaults to the part's own,\n"
         "velocity to 80; channel and chord indices count from 0; --range limits the chords\n"
-        "written (default: all); --write-bpm stores the tempo. Prints nothing on success.",
+        "written (default: all); --write-bpm stores the tempo. --markers names the first track\n"
+        "after the part (or the file) and puts a marker with each chord's name where the chord\n"
+        "starts. Prints nothing on success.",
     });
 }
 

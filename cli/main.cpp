@@ -36,6 +36,9 @@ std::vector<Command> allCommands()
     registerWritePartCommands(commands);
     registerMidiCommands(commands);
     registerPlayCommands(commands);
+    registerTransformCommands(commands);
+    registerVoiceCommands(commands);
+    registerChordNameCommands(commands);
     return commands;
 }
 

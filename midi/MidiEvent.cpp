@@ -68,6 +68,13 @@ MidiEvent MidiEvent::trackName(std::uint32_t delta, std::string_view text)
     return event;
 }
 
+MidiEvent MidiEvent::marker(std::uint32_t delta, std::string_view text)
+{
+    MidiEvent event = metaEvent(delta, kMetaMarker, 0);
+    event.setData(std::vector<std::uint8_t>(text.begin(), text.end()));
+    return event;
+}
+
 MidiEvent MidiEvent::endOfTrack(std::uint32_t delta)
 {
     return metaEvent(delta, kMetaEndOfTrack, 0);

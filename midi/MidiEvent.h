@@ -13,8 +13,8 @@ namespace midi {
  * Channel events (0x80..0xEF) use data bytes 1 and 2 (note and velocity). Meta events (0xFF)
  * keep their type in data byte 1 and their payload, by type, in the sequence number, the tempo,
  * data bytes 2..6 or the data buffer; system exclusive events (0xF0, 0xF7) use the data buffer.
- * The program makes only note on/off, tempo, time signature, track name and end of track; the
- * other kinds exist so that every status the writer understands can be built and written.
+ * The program makes only note on/off, tempo, time signature, track name, marker and end of track;
+ * the other kinds exist so that every status the writer understands can be built and written.
  */
 class MidiEvent
 {
@@ -27,6 +27,7 @@ public:
 
     static constexpr std::uint8_t kMetaSequenceNumber = 0x00;
     static constexpr std::uint8_t kMetaTrackName = 0x03;
+    static constexpr std::uint8_t kMetaMarker = 0x06;
     static constexpr std::uint8_t kMetaEndOfTrack = 0x2F;
     static constexpr std::uint8_t kMetaTempo = 0x51;
     static constexpr std::uint8_t kMetaTimeSignature = 0x58;
@@ -55,6 +56,8 @@ public:
     static MidiEvent timeSignature(std::uint32_t delta, const std::array<std::uint8_t, 4>& bytes);
     /** Track name: the text's bytes, no terminator. */
     static MidiEvent trackName(std::uint32_t delta, std::string_view text);
+    /** Marker (a named point in time, such as a chord's name): the text's bytes, no terminator. */
+    static MidiEvent marker(std::uint32_t delta, std::string_view text);
     static MidiEvent endOfTrack(std::uint32_t delta);
 
     std::uint32_t deltaTime() const { return m_delta; }

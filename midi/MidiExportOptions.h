@@ -27,6 +27,12 @@ struct MidiExportOptions
     /** The chords to write; part::kNoIndex in a field means from the first / to the last. */
     std::uint16_t rangeFirst = part::kNoIndex;
     std::uint16_t rangeLast = part::kNoIndex;
+    /**
+     * Off by default, so that files stay byte for byte as before. On: the first track starts
+     * with the part's name as the sequence name and carries a marker with each chord's name
+     * where the chord starts.
+     */
+    bool writeChordNames = false;
 
     friend bool operator==(const MidiExportOptions&, const MidiExportOptions&) = default;
 };

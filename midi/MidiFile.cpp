@@ -94,6 +94,11 @@ void MidiFile::addTrackName(std::uint32_t delta, std::string_view text)
     addEvent(MidiEvent::trackName(delta, text));
 }
 
+void MidiFile::addMarker(std::uint32_t delta, std::string_view text)
+{
+    addEvent(MidiEvent::marker(delta, text));
+}
+
 void MidiFile::addEndOfTrack(std::uint32_t delta)
 {
     addEvent(MidiEvent::endOfTrack(delta));

@@ -46,6 +46,7 @@ public:
     void addTempo(std::uint32_t microsecondsPerQuarter, std::uint32_t delta);
     void addTimeSignature(std::uint32_t delta, const std::array<std::uint8_t, 4>& bytes);
     void addTrackName(std::uint32_t delta, std::string_view text);
+    void addMarker(std::uint32_t delta, std::string_view text);
     void addEndOfTrack(std::uint32_t delta);
     /** Appends any event to the current track. */
     void addEvent(MidiEvent event);

@@ -45,6 +45,23 @@ music::Result fail(std::string_view message)
     return music::Result::failure(std::string(message));
 }
 
+/** A marker with each chord's name at its first step; returns the tick of the last marker. */
+std::uint64_t addChordMarkers(const part::Part& part, int first, int last, std::uint32_t step,
+                              MidiFile& file)
+{
+    std::uint64_t tick = 0;
+    std::uint64_t lastMarker = 0;
+    for (int i = first; i <= last; ++i) {
+        const part::PartChord& chord = part.chord(i);
+        if (chord.length > 0 && !chord.name.empty()) {
+            file.addMarker(static_cast<std::uint32_t>(tick - lastMarker), chord.name);
+            lastMarker = tick;
+        }
+        tick += std::uint64_t{chord.length} * step;
+    }
+    return lastMarker;
+}
+
 } // namespace
 
 std::uint32_t MidiFileExporter::ticksPerStep(std::uint16_t ticksPerBeat)
@@ -53,6 +70,12 @@ std::uint32_t MidiFileExporter::ticksPerStep(std::uint16_t ticksPerBeat)
 }
 
 music::Result MidiFileExporter::build(const part::Part& part, MidiFile& file)
+{
+    return build(part, file, part.name());
+}
+
+music::Result MidiFileExporter::build(const part::Part& part, MidiFile& file,
+                                      std::string_view sequenceName)
 {
     file.initialise();
     if (part.count() == 0)
@@ -76,10 +99,14 @@ music::Result MidiFileExporter::build(const part::Part& part, MidiFile& file)
         return fail(kTooLongMessage);
 
     file.addTrack();
+    if (m_options.writeChordNames && !sequenceName.empty())
+        file.addTrackName(0, sequenceName);
     file.addTimeSignature(0, kTimeSignature);
     if (m_options.writeBpm)
         file.addTempo(60000000u / m_options.beatsPerMinute, 0);
-    file.addEndOfTrack(static_cast<std::uint32_t>((rows + 1) * step));
+    const std::uint64_t lastMarker =
+        m_options.writeChordNames ? addChordMarkers(part, first, last, step, file) : 0;
+    file.addEndOfTrack(static_cast<std::uint32_t>((rows + 1) * step - lastMarker));
 
     file.addTrack();
     file.addTrackName(0, kTrackName);
@@ -100,7 +127,8 @@ music::Result MidiFileExporter::build(const part::Part& part, MidiFile& file)
 music::Result MidiFileExporter::write(const part::Part& part, const std::filesystem::path& path)
 {
     MidiFile file;
-    const music::Result built = build(part, file);
+    const std::string sequenceName = part.name().empty() ? path.stem().string() : part.name();
+    const music::Result built = build(part, file, sequenceName);
     if (!built)
         return built;
     const music::Result saved = file.save(path);

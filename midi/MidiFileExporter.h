@@ -24,6 +24,11 @@ namespace midi {
  * silent; so a silent first row makes the next event one step late. This matches the files the
  * program has always written. The notes still sounding at the end stop one step after the last
  * row, with velocity V - 1.
+ *
+ * With MidiExportOptions::writeChordNames, track 1 also names the sequence (first, at tick 0)
+ * and holds one marker (FF 06) with each chord's name at the tick where the chord starts: its
+ * first step times the ticks per step, whatever its pattern plays there. Chords of length 0 and
+ * chords without a name get no marker. The note track is not touched.
  */
 class MidiFileExporter
 {
@@ -46,12 +51,16 @@ public:
      */
     const MidiExportOptions& options() const { return m_options; }
 
-    /** Builds the file in memory; `file` is initialised first. Fails on the guards above. */
+    /**
+     * Builds the file in memory; `file` is initialised first. Fails on the guards above. The
+     * sequence name written with the chord names is the part's name (none when it is empty).
+     */
     music::Result build(const part::Part& part, MidiFile& file);
 
     /**
      * Builds and saves the file. A failed save keeps an existing file at `path` as it was and
      * returns MidiFile::save's message ("failed to open file" when it cannot be created).
+     * A part without a name is named after the file (its name without the extension).
      */
     music::Result write(const part::Part& part, const std::filesystem::path& path);
 
@@ -59,6 +68,8 @@ public:
     static std::uint32_t ticksPerStep(std::uint16_t ticksPerBeat);
 
 private:
+    music::Result build(const part::Part& part, MidiFile& file, std::string_view sequenceName);
+
     MidiExportOptions m_options;
 };
 

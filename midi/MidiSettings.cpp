@@ -25,6 +25,7 @@ MidiSettings MidiSettings::parse(std::string_view content, MidiPortList& ports)
     music::TextLineReader reader(content);
     if (!music::equalsIgnoringCase(reader.readLine(), kHeader))
         return settings;
+    settings.parseExtraLines(content);
 
     const auto read16 = [&reader] { return static_cast<std::uint16_t>(reader.readInt()); };
     settings.m_machineFilter = static_cast<std::uint8_t>(reader.readInt());
@@ -77,7 +78,35 @@ std::string MidiSettings::serialize(MidiPortList& ports) const
     line(m_program);
     for (const std::uint8_t entry : m_programTable)
         line(entry);
+    if (!m_inputDeviceName.empty())
+        line(std::string(kInputDeviceKey) + "=" + m_inputDeviceName);
+    for (const std::string& other : m_otherLines)
+        line(other);
     return out;
+}
+
+void MidiSettings::parseExtraLines(std::string_view content)
+{
+    music::TextLineReader reader(content);
+    for (int i = 0; i < kLineCount; ++i)
+        reader.readLine();
+    while (!reader.atEnd()) {
+        std::string text = reader.readLine();
+        if (text.empty())
+            continue;
+        const std::size_t equals = text.find('=');
+        if (equals != std::string::npos &&
+            music::equalsIgnoringCase(std::string_view(text).substr(0, equals), kInputDeviceKey))
+            m_inputDeviceName = text.substr(equals + 1);
+        else
+            m_otherLines.push_back(std::move(text));
+    }
+}
+
+void MidiSettings::setInputDeviceName(std::string name)
+{
+    std::erase_if(name, [](char c) { return c == '\n' || c == '\r'; });
+    m_inputDeviceName = std::move(name);
 }
 
 bool MidiSettings::write(const std::filesystem::path& file, MidiPortList& ports) const

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace midi {
 
@@ -19,6 +20,11 @@ namespace midi {
  * stored device number still names a device of the same name (ignoring case), so a table made
  * for one synth is not applied to another. The device number itself is kept as read even when
  * it names no device any more.
+ *
+ * Lines after the 2059 fixed ones are "key=value" lines, so that the fixed layout stays as every
+ * reader of the file knows it: "midi-input=NAME" keeps the chosen MIDI input device by its
+ * stable name (written only when one is chosen). Lines there that this program does not know are
+ * kept and written back unchanged after its own.
  */
 class MidiSettings
 {
@@ -31,6 +37,8 @@ public:
     static constexpr int kChannels = 16;
     static constexpr std::size_t kProgramTableSize = kPorts * kChannels;
     static constexpr int kLineCount = 11 + static_cast<int>(kProgramTableSize);
+    /** The key of the line after the fixed ones that names the MIDI input device. */
+    static constexpr std::string_view kInputDeviceKey = "midi-input";
 
     using ProgramTable = std::array<std::uint8_t, kProgramTableSize>;
 
@@ -81,6 +89,13 @@ public:
     std::uint16_t port() const { return m_port; }
     void setPort(std::uint16_t port) { m_port = port; }
 
+    /** The chosen MIDI input device by its stable name; empty when none is chosen. */
+    const std::string& inputDeviceName() const { return m_inputDeviceName; }
+    /** Line breaks in the name are dropped, so that the line stays one line. */
+    void setInputDeviceName(std::string name);
+    /** Lines after the fixed ones that this program does not know, kept as read. */
+    const std::vector<std::string>& otherLines() const { return m_otherLines; }
+
     /** Program numbers by port and channel, entry port * 16 + channel. */
     const ProgramTable& programTable() const { return m_programTable; }
     void setProgramTable(const ProgramTable& table) { m_programTable = table; }
@@ -92,6 +107,8 @@ public:
 
 private:
     static std::size_t tableIndex(int port, int channel);
+    /** The settings of the lines after the fixed ones of `content`. */
+    void parseExtraLines(std::string_view content);
 
     std::uint8_t m_machineFilter = 4;
     std::uint16_t m_writeBpm = 0;
@@ -102,6 +119,8 @@ private:
     std::uint16_t m_channel = 0;
     std::uint16_t m_port = 0;
     ProgramTable m_programTable{};
+    std::string m_inputDeviceName;
+    std::vector<std::string> m_otherLines;
 };
 
 } // namespace midi

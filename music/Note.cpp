@@ -42,4 +42,17 @@ std::string noteNameWithOctave(int value)
     return std::string(noteName(pitchClassOf(value))) + std::to_string(octaveOf(value));
 }
 
+std::optional<NoteValue> parseNoteNameWithOctave(std::string_view text)
+{
+    if (text.size() < 2)
+        return std::nullopt;
+    const char octave = text.back();
+    if (octave < '0' || octave > '9')
+        return std::nullopt;
+    const std::optional<PitchClass> pitchClass = parseNoteName(text.substr(0, text.size() - 1));
+    if (!pitchClass)
+        return std::nullopt;
+    return noteValue(octave - '0', *pitchClass);
+}
+
 } // namespace music

@@ -43,4 +43,10 @@ constexpr bool isEmptyNote(int value)
 /** A note with its octave, as musicians read it: "C4", "F#5". Empty text for an empty slot. */
 std::string noteNameWithOctave(int value);
 
+/**
+ * The inverse of noteNameWithOctave: "E2" is 28, "f#5" is 66 (octave = value / 12, so C0 is 0).
+ * Octaves 0..9; nothing for any other text.
+ */
+std::optional<NoteValue> parseNoteNameWithOctave(std::string_view text);
+
 } // namespace music

@@ -41,6 +41,12 @@ expect 0 "" --part "$part" -o "$work/c.mid" --write-bpm --bpm 120 --channel 9
 hex "$work/c.mid" | grep -q " ff 51 03 07 a1 20 " || fail "no tempo of 120 BPM"
 hex "$work/c.mid" | grep -q " 99 " || fail "no note on channel 10 (0-based 9)"
 
+# --markers: the sequence is named after the file, each chord's name is a marker (FF 06).
+expect 0 "" --part "$part" -o "$work/Demo.mid" --markers
+hex "$work/Demo.mid" | grep -q " ff 03 04 44 65 6d 6f " || fail "the sequence is not named Demo"
+hex "$work/Demo.mid" | grep -q " ff 06 05 43 6d 61 6a 37 " || fail "no marker Cmaj7"
+grep -q "Cmaj7" "$work/a.mid" && fail "chord names are written without --markers"
+
 # Failures: the system's message on stderr, exit 1, and an existing file kept as it was.
 echo "keep me" >"$work/old.mid"
 expect 1 "Ticks per beat must be 1 to 96." --part "$part" -o "$work/old.mid" --tpb 0

@@ -97,5 +97,68 @@ expect "render without --part" 2 "" "*" "$cli" render
 "$cli" part-info "$work/short.prt" >/dev/null || fail "a short part file must still be shown"
 "$cli" render --part "$data/default.spr" >/dev/null || fail "a foreign file must render as nothing"
 
+# transform: chord edits of the default part (C Am F G Dm7 G7 Cmaj7), chords counted from 0.
+# chords FILE: "name:notes" of every chord on one line.
+chords() { "$cli" part-info "$1" | awk -F'\t' 'found { print $2 ":" $5 } $1 == "chords" { found = 1 }' | paste -sd' '; }
+tf() { "$cli" transform -o "$work/t.prt" "$@" >/dev/null && chords "$work/t.prt"; }
+prt="$data/default.prt"
+expect "transpose 1-3 by +2" 0 "C:0 4 7 Bm:11 14 18 G:7 11 14 A:9 13 16 Dm7:2 5 9 12 G7:7 11 14 17 Cmaj7:0 4 7 11" "" \
+    tf --part "$prt" --chords 1-3 --transpose 2
+"$cli" transform --part "$prt" --chords 0 --invert -o "$work/i.prt" || fail "invert once"
+second_inversion() { tf --part "$work/i.prt" --chords 0 --invert | cut -d' ' -f1-6; }
+expect "second inversion" 0 "C:12 16 7 Am:9 12 16" "" second_inversion
+mirrored() { tf --part "$prt" --chords 0-2 --mirror D#,E | cut -d' ' -f1-9; }
+expect "mirror around D#,E" 0 "C:7 3 0 Am:10 7 3 F:14 10 7" "" mirrored
+expect "limits C1..B1" 0 "C:12 16 19 Am:21 12 16 F:17 21 12 G:19 23 14 Dm7:14 17 21 12 G7:19 23 14 17 Cmaj7:12 16 19 23" "" \
+    tf --part "$prt" --limit C1,B1
+expect "sort by notes, down" 0 "Am:9 12 16 G7:7 11 14 17 G:7 11 14 F:5 9 12 Dm7:2 5 9 12 Cmaj7:0 4 7 11 C:0 4 7" "" \
+    tf --part "$prt" --sort notes --down
+"$cli" transform --part "$prt" --normalize -o "$work/n.prt" && "$cli" transform --part "$work/n.prt" \
+    --normalize -o "$work/n2.prt" && cmp -s "$work/n.prt" "$work/n2.prt" || fail "normalize twice must equal once"
+"$cli" transform --part "$prt" --transpose 5 -o "$work/up.prt" &&
+    "$cli" transform --part "$work/up.prt" --transpose -5 -o "$work/back.prt" &&
+    "$cli" transform --part "$prt" --transpose 0 -o "$work/same.prt" &&
+    cmp -s "$work/back.prt" "$work/same.prt" || fail "transposing +5 and -5 must give the part back"
+# Remove double on the hand-made part's chord list, written three times with one G between.
+awk 'found || /^chords$/ { found = 1; next } { print }' "$work/hand.prt" > "$work/dup.prt"
+printf 'chords\n4\nC\n3\n0\n6\n0\n4\n7\nC\n3\n0\n6\n0\n4\n7\nG\n3\n0\n6\n7\n11\n14\nC\n3\n0\n6\n0\n4\n7\n' >> "$work/dup.prt"
+printf '4\n0\n0\n3\n120\n4\n1\n1\n1\n1\n1\n1\n1\n1\n1\n1\n1\n1\n' >> "$work/dup.prt"
+expect "remove double" 0 "C:0 4 7 G:7 11 14 C:0 4 7" "" tf --part "$work/dup.prt" --remove-double
+expect "remove double reports" 0 "removed 1 chords" "" \
+    "$cli" transform --part "$work/dup.prt" --remove-double -o "$work/t.prt"
+# Refused edits and mistakes: the output file keeps its old bytes.
+cp "$work/same.prt" "$work/keep.prt"
+expect "transpose past B9" 1 "" "Notes of \"Am\", \"F\", \"G\", \"Dm7\", \"G7\", ... would leave the note range C0..B9; nothing was changed." \
+    "$cli" transform --part "$prt" --transpose 110 -o "$work/keep.prt"
+expect "narrow limits" 1 "" "The note limits must lie within C0..B9 and span at least an octave." \
+    "$cli" transform --part "$prt" --limit C1,A1 -o "$work/keep.prt"
+expect "chords beyond the part" 1 "" "no chord 9: the part has 7 chords, counted from 0" \
+    "$cli" transform --part "$prt" --chords 3-9 --invert -o "$work/keep.prt"
+for bad in "--invert --normalize" "--down --invert" "--mirror D#,F" "--mirror H" "--chords 5-2 --invert" \
+    "--limit C1" "--limit C1,X2" "--sort length" "--transpose 120" ""; do
+    # shellcheck disable=SC2086
+    expect "transform $bad" 2 "" "*" "$cli" transform --part "$prt" -o "$work/keep.prt" $bad
+done
+
+# fill-pattern on the C chord's pattern 0 (16 rows; the block chord's offs stay on row 14).
+fp() { "$cli" fill-pattern --part "$prt" -o "$work/f.prt" "$@" &&
+    "$cli" render --part "$work/f.prt" | awk -F'\t' '$1 == 0'; }
+expect "euclid E(3,8)" 0 "0 0 0 on 48; 0 3 0 on 48; 0 6 0 on 48; 0 8 0 on 48; 0 11 0 on 48; 0 14 0 on 48" "" \
+    joined fp --pattern 0 --recipe "euclid pulses=3 steps=8 notes=1"
+expect "up-down arpeggio in rows 0-7" 0 "0 0 0 on 48; 0 1 0 off; 0 2 0 on 52; 0 3 0 off; 0 4 0 on 55; \
+0 5 0 off; 0 6 0 on 52; 0 7 0 off; 0 14 0 off; 0 14 1 off; 0 14 2 off; 0 14 3 off" "" \
+    joined fp --pattern 0 --recipe "arpeggio order=up-down step=2 length=1" --row-range 0-7
+[ "$(fp --pattern 0 --recipe "random density=60" --seed 9)" = "$(fp --pattern 0 --recipe "random density=60" --seed 9)" ] ||
+    fail "fill-pattern with a seed must repeat"
+expect "fill a missing pattern" 1 "" "no pattern 7: the part has 3 patterns, counted from 0" \
+    "$cli" fill-pattern --part "$prt" --pattern 7 --recipe block -o "$work/keep.prt"
+expect "bad recipe" 2 "" "tonalmancer-cli fill-pattern: --recipe: unknown key \"speed\"" \
+    "$cli" fill-pattern --part "$prt" --pattern 0 --recipe "arpeggio speed=2" -o "$work/keep.prt"
+for bad in "--track-range 0-8" "--row-range 9-3" "--index-option 3" "--seed x"; do
+    # shellcheck disable=SC2086
+    expect "fill-pattern $bad" 2 "" "*" "$cli" fill-pattern --part "$prt" --pattern 0 --recipe block -o "$work/keep.prt" $bad
+done
+cmp -s "$work/same.prt" "$work/keep.prt" || fail "failed commands must not touch the output"
+
 [ "$failures" -eq 0 ] || { echo "$failures check(s) failed" >&2; exit 1; }
 echo "all part command checks passed"

@@ -84,7 +84,7 @@ MIDO_FIELDS = {"note_on": ("on", "channel", "note", "velocity"),
                "time_signature": ("time_signature", "numerator", "denominator", "clocks_per_click",
                                   "notated_32nd_notes_per_beat"),
                "set_tempo": ("tempo", "tempo"), "track_name": ("name", "name"),
-               "end_of_track": ("end",)}
+               "end_of_track": ("end",), "marker": ("marker", "text")}
 
 
 def read_with_mido(path):
@@ -101,7 +101,7 @@ def read_with_mido(path):
 
 
 MIDICSV_NAMES = {"Note_on_c": "on", "Note_off_c": "off", "Time_signature": "time_signature",
-                 "Tempo": "tempo", "Title_t": "name", "End_track": "end"}
+                 "Tempo": "tempo", "Title_t": "name", "End_track": "end", "Marker_t": "marker"}
 
 
 def read_with_midicsv(path):
@@ -135,6 +135,32 @@ def run_cli(cli, folder, name, *options):
     return out_path
 
 
+# With --markers the tempo track names the sequence (after the file, the part having no name)
+# and marks every chord's start with its name: C at step 0, Am at 4, F at 8 (24 ticks a step);
+# the chord of length 0 never sounds and gets no marker. Each chord's notes start at its marker.
+def check_markers(cli, folder):
+    block = pf.Pattern("block")
+    block.put(0, 0, pf.CHORD_NOTE, 0).put(1, 0, pf.CHORD_NOTE, 1).put(2, 0, pf.CHORD_NOTE, 2)
+    chords = [("C", [0, 4, 7], 0, 4), ("Am", [9, 12, 16], 0, 4), ("Dm", [2, 5, 9], 0, 0),
+              ("F", [5, 9, 12], 0, 2)]
+    part_path, out_path = os.path.join(folder, "chords.prt"), os.path.join(folder, "Verse.mid")
+    with open(part_path, "w") as f:
+        f.write(pf.part_text([block], chords))
+    result = subprocess.run([cli, "midi", "--part", part_path, "-o", out_path, "--markers"],
+                            capture_output=True, text=True)
+    compare(f"markers: exit code ({result.stderr.strip()})", result.returncode, 0)
+    want = [(0, "name", "Verse"), (0, "time_signature", 4, 4, 24, 8), (0, "marker", "C"),
+            (96, "marker", "Am"), (192, "marker", "F"), (264, "end")]
+    header, tracks = read_with_midicsv(out_path)
+    compare("markers: midicsv", tracks[0], want)
+    _, tracks = read_with_mido(out_path)
+    markers = [(time, text) for time, kind, *rest in tracks[0] if kind == "marker"
+               for text in rest]
+    compare("markers: mido", markers, [(0, "C"), (96, "Am"), (192, "F")])
+    starts = sorted({time for time, kind, *_ in tracks[1] if kind == "on"})
+    compare("markers: each chord's notes start at its marker", starts, [t for t, _ in markers])
+
+
 def main():
     cli = sys.argv[1]
     with tempfile.TemporaryDirectory() as folder:
@@ -160,6 +186,8 @@ def main():
             [TRACK_NAME] + notes + [(144, "end")]]))
         compare("range: the first note uses 128, the closing note offs 127 - 1",
                 (notes[0][4], notes[-1][4]), (128 - pf.Random(77).random(3) + 1, 126))
+
+        check_markers(cli, folder)
 
     print(f"{len(FAILURES)} check(s) failed" if FAILURES
           else "all MIDI files read back as expected by mido and midicsv")

@@ -22,3 +22,16 @@ TEST(NoteName, ParsesSharpsOnly)
         EXPECT_EQ(parsed ? int(*parsed) : -1, pitchClass) << name;
     }
 }
+
+TEST(NoteNameWithOctave, ReadsBackEveryNameItWritesAndRejectsTheRest)
+{
+    for (int value = 0; value < music::kEmptyNote; ++value)
+        EXPECT_EQ(music::parseNoteNameWithOctave(music::noteNameWithOctave(value)), value);
+    const std::pair<const char*, int> cases[] = {{"E2", 28},  {"g5", 67}, {"C#0", 1},  {"B9", 119},
+                                                 {"C10", -1}, {"E", -1},  {"2", -1},   {"E-1", -1},
+                                                 {"Eb2", -1}, {"", -1},   {"E2 ", -1}, {"H3", -1}};
+    for (const auto& [text, value] : cases) {
+        const auto parsed = music::parseNoteNameWithOctave(text);
+        EXPECT_EQ(parsed ? int(*parsed) : -1, value) << text;
+    }
+}

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -143,4 +144,53 @@ TEST(RtMidiOutPort, StableNamesDropAlsaClientNumbersOnly)
     };
     for (const auto& [api, port, name] : cases)
         EXPECT_EQ(midi::RtMidiOutPort::stableName(api, port), name);
+}
+
+TEST_F(MidiSettingsFile, InputDeviceFollowsTheFixedLinesAndOldFilesStillRead)
+{
+    const std::string fixed = handWritten("Tonalmancer Settings", 1, "JACK: Synth:midi_in");
+    // The fixed lines alone, then with the input line, with other lines, and after a file whose
+    // device is gone (the fixed lines after the device name are then not read).
+    const std::vector<std::tuple<std::string, std::string, std::vector<std::string>>> cases = {
+        {fixed, "", {}},
+        {fixed + "midi-input=JACK: keys:out\n", "JACK: keys:out", {}},
+        {fixed + "\nfuture=1\r\nMIDI-INPUT=ALSA: Keystation 49:Keystation 49 MIDI 1\n",
+         "ALSA: Keystation 49:Keystation 49 MIDI 1",
+         {"future=1"}},
+        {handWritten("Tonalmancer Settings", 3, "JACK: Gone") + "midi-input=JACK: keys:out\n",
+         "JACK: keys:out",
+         {}},
+    };
+    for (const auto& [text, input, others] : cases) {
+        SCOPED_TRACE(input);
+        const MidiSettings s = MidiSettings::parse(text, m_ports);
+        EXPECT_EQ(s.velocity(), 100);
+        EXPECT_EQ(s.inputDeviceName(), input);
+        EXPECT_EQ(s.otherLines(), others);
+        // Written back, the fixed lines come first, unchanged in number, then ours, then others.
+        MidiSettings kept = s;
+        if (kept.deviceNumber() == 3)
+            kept.setDeviceNumber(MidiSettings::kNoDevice); // a gone device cannot be written
+        const std::string written = kept.serialize(m_ports);
+        std::vector<std::string> lines;
+        std::istringstream stream(written);
+        for (std::string line; std::getline(stream, line);)
+            lines.push_back(line);
+        ASSERT_GE(lines.size(), std::size_t{MidiSettings::kLineCount});
+        EXPECT_EQ(lines.size(), MidiSettings::kLineCount + (input.empty() ? 0 : 1) + others.size());
+        if (!input.empty()) {
+            EXPECT_EQ(lines[MidiSettings::kLineCount], "midi-input=" + input);
+        }
+        EXPECT_EQ(MidiSettings::parse(written, m_ports).inputDeviceName(), input);
+    }
+
+    // A header that is not ours reads nothing, the extra line included.
+    EXPECT_EQ(MidiSettings::parse("Other\n" + fixed.substr(fixed.find('\n') + 1) +
+                                      "midi-input=JACK: keys:out\n",
+                                  m_ports),
+              MidiSettings());
+
+    MidiSettings s;
+    s.setInputDeviceName("JACK: two\nlines\r");
+    EXPECT_EQ(s.inputDeviceName(), "JACK: twolines");
 }
