@@ -268,6 +268,51 @@ void PartListCommands::clearList()
     });
 }
 
+// ---- sorting and normalizing ----------------------------------------------------------------
+
+void PartListCommands::takeTransformed(const char* label, const part::Part& transformed)
+{
+    const std::vector<int> selected = m_session.selectedChords();
+    const int current = m_session.currentChord();
+    m_session.edit(tr(label), PartSession::Chords, [&transformed](part::Part& p) {
+        const auto first = p.selectionFirst();
+        const auto last = p.selectionLast();
+        p = transformed;
+        p.setSelection(first, last); // the chords stay where they were chosen
+        return true;
+    });
+    m_panel.selectRows(selected, current);
+}
+
+void PartListCommands::sort(part::ChordSortKey key, bool descending)
+{
+    std::vector<int> chords = m_session.selectedChords();
+    if (chords.size() < 2)
+        chords = part::allChords(m_session.part());
+    takeTransformed(part::kUndoSort, part::sortChords(m_session.part(), chords, key, descending));
+}
+
+void PartListCommands::normalize(bool all)
+{
+    const std::vector<int> chords =
+        all ? part::allChords(m_session.part()) : m_session.selectedChords();
+    if (chords.empty())
+        return;
+    takeTransformed(part::kUndoNormalize, part::normalizeChords(m_session.part(), chords));
+}
+
+void PartListCommands::invert()
+{
+    if (m_session.selectedChords().empty())
+        return;
+    const part::ChordEdit edit = part::invertChords(m_session.part(), m_session.selectedChords());
+    if (!edit) {
+        MessageBoxes::error(&m_panel, QString::fromStdString(edit.result.message()));
+        return;
+    }
+    takeTransformed(part::kUndoInvert, edit.part);
+}
+
 // ---- scale search and printing ---------------------------------------------------------------
 
 CNoteKeyboard::Ticks PartListCommands::scaleSearchNotes() const

@@ -2,6 +2,7 @@
 
 #include "app/CNoteKeyboard.h"
 #include "music/TreePosition.h"
+#include "part/ChordOrder.h"
 #include "part/PartChord.h"
 
 #include <QObject>
@@ -69,6 +70,13 @@ public:
     void removeSelected();
     void clearList();
 
+    /** Sorts the selected chords among their places; with one or none selected, all chords. */
+    void sort(part::ChordSortKey key, bool descending);
+    /** Normalize: every chord (`all`) or the selected ones, in close position. */
+    void normalize(bool all);
+    /** The next inversion of the selected chords; refused (and said why) past the top note. */
+    void invert();
+
     /** The pitch classes the scale search starts from: the selected chords', else all. */
     CNoteKeyboard::Ticks scaleSearchNotes() const;
     /** "Find Scale": the scale search dialog with those notes ticked. */
@@ -84,6 +92,8 @@ public:
 
 private:
     void removeRows(std::vector<int> rows, const QString& label);
+    /** Takes a transformed part as one step, keeping the selection as it was. */
+    void takeTransformed(const char* label, const part::Part& transformed);
 
     PartListPanel& m_panel;
     PartSession& m_session;

@@ -169,6 +169,14 @@ void PartListPanel::bindMenu(const ActionFactory::ActionLookup& actions)
     on("partList.remove", [c] { c->removeSelected(); });
     on("partList.clear", [c] { c->clearList(); });
     on("chords.findScale", [c] { c->findScale(); });
+    using part::ChordSortKey;
+    on("partList.sortNameUp", [c] { c->sort(ChordSortKey::Name, false); });
+    on("partList.sortNameDown", [c] { c->sort(ChordSortKey::Name, true); });
+    on("partList.sortNotesUp", [c] { c->sort(ChordSortKey::Notes, false); });
+    on("partList.sortNotesDown", [c] { c->sort(ChordSortKey::Notes, true); });
+    on("partList.normalizeAll", [c] { c->normalize(true); });
+    on("partList.normalizeSelected", [c] { c->normalize(false); });
+    on("partList.normalizeInvert", [c] { c->invert(); });
 
     auto* group = new QActionGroup(m_menu);
     for (const char* id : {"partList.viewNames", "partList.viewNotes"}) {
@@ -210,6 +218,8 @@ void PartListPanel::updateCommandStates()
     enable("partList.copy", hasSelection);
     enable("partList.cut", hasSelection);
     enable("partList.remove", hasSelection);
+    enable("partList.normalizeSelected", hasSelection);
+    enable("partList.normalizeInvert", hasSelection);
     enable("partList.clear", m_session.part().count() > 0);
     enable("partList.replacePreset", m_commands->hasCurrentPreset());
     const bool canPaste = PartChordMime::hasChords(QApplication::clipboard()->mimeData());

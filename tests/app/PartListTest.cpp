@@ -176,6 +176,84 @@ TEST_F(PartList, MenuEditsAreUndoableStepsNamedAfterThem)
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("C\tC0 E0 G0\nG\tG0 B0 D1\n"));
 }
 
+TEST_F(PartList, SortAndNormalizeWorkOnTheSelectionOrTheWholePart)
+{
+    // The part as "name notes" a chord; Am and G lie an octave up to give Normalize work.
+    session().edit(QStringLiteral("Set chord"), PartSession::Chords, [](part::Part& p) {
+        p.chord(1).setNotes({57, 60, 64});
+        p.chord(3).setNotes({31, 35, 38});
+        return true;
+    });
+    const auto summary = [this] {
+        QStringList texts;
+        for (const part::PartChord& chord : session().part().chords())
+            texts << QString::fromStdString(chord.name) + QLatin1Char(' ') +
+                         app::PartChordMime::notesText(chord);
+        return texts.join(QStringLiteral(", ")).toStdString();
+    };
+    struct Case
+    {
+        const char* id;
+        std::vector<int> selected;
+        const char* after;
+        const char* label;
+    };
+    const Case cases[] = {
+        {"partList.sortNameUp",
+         {},
+         "Am A4 C5 E5, C C0 E0 G0, Cmaj7 C0 E0 G0 B0, Dm7 D0 F0 A0 C1, F F0 A0 C1, G G2 B2 D3, "
+         "G7 G0 B0 D1 F1",
+         "Sort"},
+        {"partList.sortNameDown",
+         {0, 1, 2},
+         "F F0 A0 C1, C C0 E0 G0, Am A4 C5 E5, G G2 B2 D3, Dm7 D0 F0 A0 C1, G7 G0 B0 D1 F1, "
+         "Cmaj7 C0 E0 G0 B0",
+         "Sort"},
+        {"partList.sortNotesDown",
+         {},
+         "Am A4 C5 E5, G G2 B2 D3, G7 G0 B0 D1 F1, F F0 A0 C1, Dm7 D0 F0 A0 C1, "
+         "Cmaj7 C0 E0 G0 B0, C C0 E0 G0",
+         "Sort"},
+        {"partList.normalizeSelected",
+         {1},
+         "C C0 E0 G0, Am A0 C1 E1, F F0 A0 C1, G G2 B2 D3, Dm7 D0 F0 A0 C1, G7 G0 B0 D1 F1, "
+         "Cmaj7 C0 E0 G0 B0",
+         "Normalize"},
+        {"partList.normalizeAll",
+         {},
+         "C C0 E0 G0, Am A0 C1 E1, F F0 A0 C1, G G0 B0 D1, Dm7 D0 F0 A0 C1, G7 G0 B0 D1 F1, "
+         "Cmaj7 C0 E0 G0 B0",
+         "Normalize"},
+        {"partList.normalizeInvert",
+         {0, 6},
+         // The root keeps its place (pattern cells address it), an octave up.
+         "C C1 E0 G0, Am A4 C5 E5, F F0 A0 C1, G G2 B2 D3, Dm7 D0 F0 A0 C1, G7 G0 B0 D1 F1, "
+         "Cmaj7 C1 E0 G0 B0",
+         "Invert"},
+    };
+    const std::string before = summary();
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.id);
+        panel().selectRows(c.selected);
+        trigger(c.id);
+        EXPECT_EQ(summary(), c.after);
+        EXPECT_EQ(session().undoText(), QString::fromLatin1(c.label));
+        EXPECT_EQ(session().selectedChords(), c.selected) << "the same places stay selected";
+        session().undo();
+        EXPECT_EQ(summary(), before);
+    }
+    // An inversion past the highest note is refused with the reason, and nothing changes.
+    session().edit(QStringLiteral("Set chord"), PartSession::Chords, [](part::Part& p) {
+        p.chord(0).setNotes({110, 114, 117});
+        return true;
+    });
+    const int steps = session().history().size();
+    panel().selectRows({0});
+    trigger("partList.normalizeInvert");
+    EXPECT_EQ(m_messages.texts().size(), 1);
+    EXPECT_EQ(session().history().size(), steps);
+}
+
 TEST_F(PartList, AddedChordsGetTheCurrentPatternAndTheDefaultLength)
 {
     session().setCurrentPattern(2);
