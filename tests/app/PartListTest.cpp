@@ -477,6 +477,25 @@ TEST_F(PartList, KeysOfTheMenuWorkInTheList)
     EXPECT_TRUE(names().empty()) << "nothing to redo after a new step";
     trigger("edit.undo");
     EXPECT_EQ(names().size(), 9u);
+
+    // F2 renames the current chord here, though elsewhere it opens the type manager.
+    QTimer::singleShot(0, [] {
+        if (QWidget* dialog = QApplication::activeModalWidget()) {
+            ADD_FAILURE() << "a dialog opened";
+            dialog->close();
+        }
+    });
+    panel().selectRows({0});
+    QTest::keyClick(table, Qt::Key_F2);
+    QCoreApplication::processEvents();
+    auto* editor = table->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    EXPECT_TRUE(editor->isVisible());
+    editor->setText(QStringLiteral("C6"));
+    QTest::keyClick(editor, Qt::Key_Return);
+    QCoreApplication::processEvents(); // the editor hands its text over once it has closed
+    EXPECT_EQ(names().front(), "C6");
+    EXPECT_EQ(session().undoText(), QStringLiteral("Rename chord"));
 }
 
 TEST_F(PartList, UndoBringsBackTheSelectedChordsAndTheModifiedMark)
