@@ -2,7 +2,9 @@
 
 #include "app/CIntervalListDialog.h"
 #include "app/NoteNames.h"
+#include "music/ChordCollection.h"
 #include "music/ChordDatabaseEdits.h"
+#include "music/ChordTypeList.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -33,6 +35,12 @@ CChordTypeDialog::CChordTypeDialog(QWidget* parent) : QDialog(parent)
     auto* constructionRow = new QHBoxLayout;
     constructionRow->addWidget(m_construction, 1);
     constructionRow->addWidget(intervals);
+    m_check = new QLabel(this);
+    m_check->setObjectName(QStringLiteral("constructionCheck"));
+    m_check->setAccessibleName(tr("Construction check"));
+    m_check->setWordWrap(true);
+    m_check->setTextFormat(Qt::PlainText);
+    connect(m_construction, &QLineEdit::textChanged, this, &CChordTypeDialog::updateCheck);
 
     auto* sample = new QGroupBox(tr("Sample chord"), this);
     m_base = new QComboBox(sample);
@@ -52,6 +60,7 @@ CChordTypeDialog::CChordTypeDialog(QWidget* parent) : QDialog(parent)
     auto* constructionLabel = new QLabel(tr("&Construction:"), this);
     constructionLabel->setBuddy(m_construction);
     form->addRow(constructionLabel, constructionRow);
+    form->addRow(QString(), m_check);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -79,6 +88,28 @@ void CChordTypeDialog::setName(const QString& name)
 void CChordTypeDialog::setConstruction(const QString& construction)
 {
     m_construction->setText(construction);
+}
+
+music::IntervalList CChordTypeDialog::intervals() const
+{
+    return music::IntervalList::parse(m_construction->text().toStdString());
+}
+
+QString CChordTypeDialog::constructionCheck() const
+{
+    if (m_construction->text().isEmpty())
+        return {};
+    const music::IntervalList parsed = intervals();
+    if (!parsed.isUsable())
+        return QString::fromUtf8(
+            music::ChordTypeList::kInvalidConstruction.data(),
+            static_cast<qsizetype>(music::ChordTypeList::kInvalidConstruction.size()));
+    return QString::fromStdString(music::ChordCollection::droppedWarning(parsed));
+}
+
+void CChordTypeDialog::updateCheck()
+{
+    m_check->setText(constructionCheck());
 }
 
 void CChordTypeDialog::learn()

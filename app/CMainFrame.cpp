@@ -1,6 +1,7 @@
 #include "app/CMainFrame.h"
 
 #include "app/ActionFactory.h"
+#include "app/AppIcons.h"
 #include "app/CAboutDialog.h"
 #include "app/CTempoBar.h"
 #include "app/CTonalmancerDoc.h"
@@ -56,34 +57,6 @@ constexpr std::string_view kToolbarLayout[] = {
     "file.exit",
 };
 
-QIcon standardIcon(std::string_view id)
-{
-    const QStyle* style = QApplication::style();
-    const std::pair<std::string_view, QStyle::StandardPixmap> icons[] = {
-        {"file.open", QStyle::SP_DialogOpenButton},
-        {"file.save", QStyle::SP_DialogSaveButton},
-        {"part.new", QStyle::SP_FileIcon},
-        {"part.load", QStyle::SP_DirOpenIcon},
-        {"part.save", QStyle::SP_DriveFDIcon},
-        {"part.play", QStyle::SP_MediaPlay},
-        {"part.playChord", QStyle::SP_MediaSeekForward},
-        {"part.stop", QStyle::SP_MediaStop},
-        {"view.showBmx", QStyle::SP_ComputerIcon},
-        {"view.showSettings", QStyle::SP_FileDialogDetailedView},
-        {"help.topics", QStyle::SP_DialogHelpButton},
-        {"part.createMidiFile", QStyle::SP_MediaVolume},
-        {"part.createBuzzPatternsButton", QStyle::SP_ArrowRight},
-        {"part.addToPresetsButton", QStyle::SP_FileDialogNewFolder},
-        {"part.printChordList", QStyle::SP_FileDialogListView},
-        {"file.exit", QStyle::SP_DialogCloseButton},
-    };
-    for (const auto& [name, pixmap] : icons) {
-        if (name == id)
-            return style->standardIcon(pixmap);
-    }
-    return {};
-}
-
 } // namespace
 
 CMainFrame::CMainFrame(QWidget* parent) : QMainWindow(parent)
@@ -122,7 +95,7 @@ void CMainFrame::createActions()
             if (m_actions.count(entry.id) != 0)
                 continue;
             QAction* created = ActionFactory::createAction(entry, this);
-            created->setIcon(standardIcon(entry.id));
+            created->setIcon(AppIcons::forCommand(entry.id));
             // Accelerators work anywhere in the main window, menus open or not.
             addAction(created);
             m_actions.emplace(std::string(entry.id), created);

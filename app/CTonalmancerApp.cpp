@@ -1,6 +1,9 @@
 #include "app/CTonalmancerApp.h"
 
+#include "app/AppIcons.h"
 #include "app/CMainFrame.h"
+#include "app/ChordDatabaseCommands.h"
+#include "app/ChordDatabasePanel.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/CTonalmancerView.h"
 #include "app/MessageBoxes.h"
@@ -26,8 +29,15 @@ void CTonalmancerApp::setApplicationNames()
 {
     QCoreApplication::setOrganizationName(QStringLiteral("Tonalmancer"));
     QCoreApplication::setApplicationName(QStringLiteral("Tonalmancer"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("0.7"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TM_VERSION));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Tonalmancer"));
+    QGuiApplication::setDesktopFileName(desktopFileName());
+    QApplication::setWindowIcon(AppIcons::application());
+}
+
+QString CTonalmancerApp::desktopFileName()
+{
+    return QStringLiteral(TM_APP_ID);
 }
 
 CTonalmancerView* CTonalmancerApp::view() const
@@ -37,28 +47,15 @@ CTonalmancerView* CTonalmancerApp::view() const
 
 bool CTonalmancerApp::start(const QStringList& arguments, bool show)
 {
-    QString dataDir;
-    QString songPath;
-    QString partPath;
-    for (qsizetype i = 0; i < arguments.size(); ++i) {
-        const QString& argument = arguments[i];
-        if (argument == QStringLiteral("--data") && i + 1 < arguments.size()) {
-            dataDir = arguments[++i];
-        } else if (argument.startsWith(QStringLiteral("--data="))) {
-            dataDir = argument.mid(7);
-        } else if (argument.endsWith(QStringLiteral(".prt"), Qt::CaseInsensitive) &&
-                   partPath.isEmpty()) {
-            partPath = argument; // a part opens in the part editor, beside the song
-        } else if (argument.startsWith(QStringLiteral("-")) || !songPath.isEmpty()) {
-            MessageBoxes::error(nullptr, QString::fromLatin1(kUsage));
-            return false;
-        } else {
-            songPath = argument;
-        }
+    const CommandLine line = CommandLine::parse(arguments);
+    if (line.request() != CommandLine::Request::Run) {
+        MessageBoxes::error(nullptr, QString::fromLatin1(kUsage));
+        return false;
     }
 
-    const music::Result resolved = music::DataFolder::resolve(
-        QCoreApplication::applicationDirPath().toStdString(), dataDir.toStdString(), m_dataFolder);
+    const music::Result resolved =
+        music::DataFolder::resolve(QCoreApplication::applicationDirPath().toStdString(),
+                                   line.dataDir().toStdString(), m_dataFolder);
     if (!resolved) {
         MessageBoxes::error(nullptr, QString::fromStdString(resolved.message()));
         return false;
@@ -70,18 +67,35 @@ bool CTonalmancerApp::start(const QStringList& arguments, bool show)
     m_frame = std::make_unique<CMainFrame>();
     auto* view = new CTonalmancerView(*m_frame, *m_document, m_dataFolder, m_ports);
     m_frame->setDocumentAndView(m_document.get(), view);
-    view->initialUpdate(partPath);
-
-    if (songPath.isEmpty()) {
-        m_document->newSong();
-    } else if (!m_frame->openSong(songPath)) {
-        m_document->newSong();
+    view->initialUpdate();
+    if (!m_partEditorOpener) {
+        m_partEditorOpener = [view](CommandLine::FileKind kind, const QString& path) {
+            return view->openPartEditorFile(kind, path);
+        };
     }
+    openFromCommandLine(line);
 
     m_frame->restoreWindowState();
     if (show)
         m_frame->showMaximized();
     return true;
+}
+
+void CTonalmancerApp::openFromCommandLine(const CommandLine& line)
+{
+    const bool song = !line.file().isEmpty() && line.fileKind() == CommandLine::FileKind::Song;
+    if (!song || !m_frame->openSong(line.file()))
+        m_document->newSong();
+    if (line.file().isEmpty() || song)
+        return;
+
+    if (line.fileKind() == CommandLine::FileKind::ChordDatabase) {
+        view()->chordDatabase()->menuCommands().loadChordListFrom(line.file());
+    } else if (m_partEditorOpener) {
+        m_partEditorOpener(line.fileKind(), line.file());
+    } else {
+        MessageBoxes::error(nullptr, tr("The part editor cannot open %1 yet.").arg(line.file()));
+    }
 }
 
 } // namespace app

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "app/CommandLine.h"
 #include "music/DataFolder.h"
 
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace midi {
@@ -26,20 +28,37 @@ class CTonalmancerApp : public QObject
 {
     Q_OBJECT
 public:
-    static constexpr const char* kUsage = "Usage: tonalmancer [--data DIR] [SONG.bmx] [PART.prt]";
+    static constexpr const char* kUsage = CommandLine::kUsage;
+
+    /**
+     * Opens a part (.prt) or a preset file (.spr, .ppr) named on the command line in the part
+     * editor; returns false when it could not, having shown why. The code that builds the part
+     * editor sets it (before start(), or in start() once the view exists); while none is set,
+     * such files are refused with a message and the program starts without them.
+     */
+    using PartEditorOpener = std::function<bool(CommandLine::FileKind kind, const QString& path)>;
 
     /** `ports` lists the MIDI outputs; null uses the system's. */
     explicit CTonalmancerApp(std::shared_ptr<midi::MidiPortList> ports = {},
                              QObject* parent = nullptr);
     ~CTonalmancerApp() override;
 
-    /** Sets the names QSettings and the dialogs use; call before the first window exists. */
+    /**
+     * Sets the names QSettings and the dialogs use, the desktop entry the window belongs to and
+     * the window icon; call before the first window exists.
+     */
     static void setApplicationNames();
+
+    /** The desktop entry's name without ".desktop"; the window system matches windows by it. */
+    static QString desktopFileName();
+
+    void setPartEditorOpener(PartEditorOpener opener) { m_partEditorOpener = std::move(opener); }
 
     /**
      * Starts the program with its arguments (without the program name). Returns false, having
-     * shown why, when the data folder cannot be used or the arguments are wrong. `show` false
-     * keeps the window hidden (tests).
+     * shown why, when the data folder cannot be used or the arguments are wrong. A file that
+     * cannot be opened is reported and the program starts without it. `show` false keeps the
+     * window hidden (tests).
      */
     bool start(const QStringList& arguments, bool show = true);
 
@@ -49,7 +68,10 @@ public:
     const music::DataFolder& dataFolder() const { return m_dataFolder; }
 
 private:
+    void openFromCommandLine(const CommandLine& line);
+
     std::shared_ptr<midi::MidiPortList> m_ports;
+    PartEditorOpener m_partEditorOpener;
     music::DataFolder m_dataFolder;
     std::unique_ptr<CTonalmancerDoc> m_document;
     std::unique_ptr<CMainFrame> m_frame;

@@ -30,7 +30,11 @@ music::Result CTonalmancerDoc::read(const QString& path, song::BuzzSong& target,
     WaitCursor wait;
     song::DataFolderMachineCatalog catalog(m_dataFolder.root());
     song::SongReader reader(catalog, askAboutMachines ? m_handler : nullptr);
-    return reader.read(path.toStdString(), target);
+    const music::Result result = reader.read(path.toStdString(), target);
+    m_readWarnings.clear();
+    for (const std::string& warning : reader.warnings())
+        m_readWarnings.append(QString::fromStdString(warning));
+    return result;
 }
 
 void CTonalmancerDoc::newSong()

@@ -6,6 +6,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -58,6 +59,12 @@ public:
 
     QString defaultSongPath() const;
 
+    /**
+     * What the last song read warned about although it succeeded, e.g. a machine read by the
+     * song's own parameter descriptions because machines.ini describes it differently.
+     */
+    const QStringList& readWarnings() const { return m_readWarnings; }
+
 Q_SIGNALS:
     void songChanged();
 
@@ -68,6 +75,7 @@ private:
     song::UnknownMachineHandler* m_handler = nullptr;
     std::optional<song::BuzzSong> m_song;
     QString m_path;
+    QStringList m_readWarnings;
 };
 
 } // namespace app

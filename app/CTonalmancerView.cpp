@@ -5,6 +5,7 @@
 #include "app/CTempoBar.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/MessageBoxes.h"
 #include "app/PartFileCommands.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
@@ -303,7 +304,7 @@ void CTonalmancerView::connectCommands()
 
 // ---- start and end ---------------------------------------------------------------------------
 
-void CTonalmancerView::initialUpdate(const QString& partPath)
+void CTonalmancerView::initialUpdate()
 {
     WaitCursor wait;
     if (m_ports) {
@@ -315,7 +316,15 @@ void CTonalmancerView::initialUpdate(const QString& partPath)
     m_patternPresets.load(m_dataFolder.file(part::PatternPresetList::kDefaultFileName));
     refreshPresets();
     refreshMachines();
-    m_partFiles->loadAtStart(partPath);
+    m_partFiles->loadAtStart();
+}
+
+bool CTonalmancerView::openPartEditorFile(CommandLine::FileKind kind, const QString& path)
+{
+    if (kind == CommandLine::FileKind::Part)
+        return m_partFiles->openAtStart(path);
+    MessageBoxes::error(this, tr("The part editor cannot open %1 yet.").arg(path));
+    return false;
 }
 
 QString CTonalmancerView::partTitle() const

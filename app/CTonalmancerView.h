@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/CResizableFormView.h"
+#include "app/CommandLine.h"
 #include "midi/MidiSettings.h"
 #include "music/DataFolder.h"
 #include "part/PartPresetList.h"
@@ -61,11 +62,10 @@ public:
                      std::shared_ptr<midi::MidiPortList> ports, QWidget* parent = nullptr);
     ~CTonalmancerView() override;
 
-    /**
-     * Reads the settings file and loads the default chord database, the presets and the part:
-     * `partPath` when given, else the default part.
-     */
-    void initialUpdate(const QString& partPath = {});
+    /** Reads the settings file and loads the default chord database, presets and part. */
+    void initialUpdate();
+    /** Opens a part editor file named on the command line; false (and said why) when not. */
+    bool openPartEditorFile(CommandLine::FileKind kind, const QString& path);
     /** Writes the settings file; called once when the main window closes. */
     void shutdown();
 

@@ -33,7 +33,8 @@ bool CUnknownMachineDialogs::learnFromSong(const std::string& machineName,
 {
     const QString text =
         QObject::tr("The machine database does not know the machine\n%1\n%2\n\n"
-                    "The song describes its parameters. Learn the machine from the song?")
+                    "The song describes its parameters. Learn the machine from the song?\n"
+                    "(No: choose the machine's DLL to scan instead.)")
             .arg(QString::fromStdString(machineName), QString::fromStdString(dllName));
     return MessageBoxes::askYesNo(m_parent, text);
 }

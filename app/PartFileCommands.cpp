@@ -136,21 +136,26 @@ bool PartFileCommands::saveAsDefaultPart()
     return savePartTo(defaultPartPath());
 }
 
-void PartFileCommands::loadAtStart(const QString& path)
+void PartFileCommands::loadAtStart()
 {
     part::Part loaded;
     WaitCursor wait;
-    if (!path.isEmpty()) {
-        const music::Result result = part::PartFile::load(path.toStdString(), loaded);
-        if (result) {
-            m_session.reset(std::move(loaded), path);
-            return;
-        }
-        // The part of the command line cannot be read: say so, then start as usual.
-        MessageBoxes::error(&m_view, QString::fromStdString(result.message()));
-    }
     if (part::PartFile::loadDefault(m_dataFolder.file(part::PartFile::kDefaultFileName), loaded))
         m_session.reset(std::move(loaded), defaultPartPath());
+}
+
+bool PartFileCommands::openAtStart(const QString& path)
+{
+    part::Part loaded;
+    music::Result result;
+    {
+        WaitCursor wait;
+        result = part::PartFile::load(path.toStdString(), loaded);
+    }
+    if (!report(result.ok(), QString::fromStdString(result.message())))
+        return false;
+    m_session.reset(std::move(loaded), path);
+    return true;
 }
 
 bool PartFileCommands::addToPresetsNamed(const QString& name)

@@ -49,8 +49,10 @@ public:
     /** Reads "default.prt" as an undoable load; silently nothing when it cannot be read. */
     bool loadDefaultPart();
     bool saveAsDefaultPart();
-    /** Starts the session with "default.prt" (or `path`, when given), nothing to undo. */
-    void loadAtStart(const QString& path = {});
+    /** Starts the session with "default.prt", nothing to undo; silently nothing without it. */
+    void loadAtStart();
+    /** Starts the session with the part at `path` instead; false (and said why) when unreadable. */
+    bool openAtStart(const QString& path);
     bool addToPresetsNamed(const QString& name);
     bool hasCurrentPreset() const;
     /** Replaces the part presets' current item by the part, keeping its name (asks first). */

@@ -2,8 +2,25 @@
 
 #include <QApplication>
 
+#include <cstdio>
+
 int main(int argc, char* argv[])
 {
+    // --help and --version answer on the terminal before Qt looks for a display, so that they
+    // work over ssh and when the manual pages are built.
+    QStringList raw;
+    for (int i = 1; i < argc; ++i)
+        raw << QString::fromLocal8Bit(argv[i]);
+    const app::CommandLine early = app::CommandLine::parse(raw);
+    if (early.request() == app::CommandLine::Request::ShowHelp ||
+        early.request() == app::CommandLine::Request::ShowVersion) {
+        const QString text = early.request() == app::CommandLine::Request::ShowHelp
+                                 ? app::CommandLine::helpText()
+                                 : app::CommandLine::versionText();
+        std::fputs(text.toLocal8Bit().constData(), stdout);
+        return 0;
+    }
+
     QApplication application(argc, argv);
     app::CTonalmancerApp::setApplicationNames();
     app::CTonalmancerApp tonalmancer;

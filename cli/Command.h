@@ -66,5 +66,6 @@ void registerPlayCommands(std::vector<Command>& commands);
 void registerTransformCommands(std::vector<Command>& commands);
 void registerVoiceCommands(std::vector<Command>& commands);
 void registerChordNameCommands(std::vector<Command>& commands);
+void registerSongMachineCommands(std::vector<Command>& commands);
 
 } // namespace cli

@@ -63,7 +63,8 @@ std::filesystem::path fileOrDefault(const Arguments& args, Context& context, con
 int runTypes(const Arguments& args, Context& context)
 {
     music::ChordTypeList types;
-    if (const music::Result result = types.load(fileOrDefault(args, context, "default.ccl"));
+    if (const music::Result result =
+            types.load(fileOrDefault(args, context, music::ChordTypeList::kDefaultFileName));
         !result)
         return context.fail(result.message());
     for (const music::ChordType& type : types.types())
@@ -74,7 +75,8 @@ int runTypes(const Arguments& args, Context& context)
 int runScales(const Arguments& args, Context& context)
 {
     music::ScaleList scales;
-    if (const music::Result result = scales.load(fileOrDefault(args, context, "default.scl"));
+    if (const music::Result result =
+            scales.load(fileOrDefault(args, context, music::ScaleList::kDefaultFileName));
         !result)
         return context.fail(result.message());
     for (const music::ScaleType& scale : scales.scales())
@@ -122,13 +124,13 @@ int runGenerate(const Arguments& args, Context& context)
     return kExitSuccess;
 }
 
-/** --db FILE.crd, or the data folder's "default.crd". */
+/** --db FILE.crd, or the data folder's default collection. */
 music::Result loadDatabase(const Arguments& args, Context& context,
                            music::ChordCollection& collection)
 {
     if (const auto path = args.value("db"))
         return collection.load(*path);
-    return collection.load(context.dataFolder().file("default.crd"));
+    return collection.load(context.dataFolder().file(music::ChordCollection::kDefaultFileName));
 }
 
 int runFindChord(const Arguments& args, Context& context)

@@ -71,7 +71,7 @@ int runRender(const Arguments& args, Context& context)
     std::ostream& out = context.out();
     for (int c = 0; c < p.count(); ++c) {
         const part::PreparedChord chord = part::prepareChord(p.chord(c), options.indexOption);
-        for (int row = 0; row < p.chord(c).length; ++row) {
+        for (int row = 0; row < p.chord(c).rows(); ++row) {
             const part::RowEvents events = part::renderPartRow(p, chord, c, row, options);
             for (std::size_t t = 0; t < events.size(); ++t) {
                 const part::TrackEvent& e = events[t];

@@ -160,9 +160,9 @@ int editMachine(const Arguments& args, Context& context,
 
 int runRemoveMachine(const Arguments& args, Context& context)
 {
-    return editMachine(args, context, [](song::BuzzSong& song, std::size_t machine) {
-        song::removeMachine(song, machine);
-        return kExitSuccess;
+    return editMachine(args, context, [&](song::BuzzSong& song, std::size_t machine) {
+        const music::Result removed = song::removeMachine(song, machine);
+        return removed ? kExitSuccess : context.fail(removed.message());
     });
 }
 

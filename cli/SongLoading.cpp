@@ -25,7 +25,7 @@ public:
         if (m_learn)
             m_err << "learning machine \"" << machineName << "\" (" << dllName
                   << ") from the song\n";
-        return m_learn;
+        return m_learn; // declined, --scan-dll is asked next
     }
 
     std::optional<std::filesystem::path> chooseDllToScan(const std::string& /*message*/) override
@@ -64,6 +64,8 @@ bool loadSong(const std::string& path, const Arguments& args, Context& context, 
     CliUnknownMachineHandler handler(args, context.err());
     song::SongReader reader(catalog, &handler);
     const music::Result result = reader.read(path, out);
+    for (const std::string& warning : reader.warnings())
+        context.err() << warning << '\n';
     if (result)
         return true;
     if (!result.message().empty())

@@ -20,8 +20,9 @@ std::vector<OptionSpec> withSongReading(std::vector<OptionSpec> options);
 
 /**
  * Reads a song with the machine database of the data folder, answering unknown machines from
- * --learn and --scan-dll. On failure prints the reader's message and "Error loading file" with
- * the code on stderr and returns false.
+ * --learn and --scan-dll (a machine the song describes is learned with --learn, else scanned).
+ * Prints the reader's warnings on stderr; on failure also the reader's message and "Error
+ * loading file" with the code, and returns false.
  */
 bool loadSong(const std::string& path, const Arguments& args, Context& context,
               song::BuzzSong& out);

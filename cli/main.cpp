@@ -32,6 +32,7 @@ std::vector<Command> allCommands()
     registerMusicCommands(commands);
     registerPartCommands(commands);
     registerSongCommands(commands);
+    registerSongMachineCommands(commands);
     registerMachineCommands(commands);
     registerWritePartCommands(commands);
     registerMidiCommands(commands);
@@ -55,7 +56,35 @@ void printHelp(std::ostream& out, const std::vector<Command>& commands)
         out << "  " << c.name << std::string(width + 2 - c.name.size(), ' ') << c.summary << '\n';
     out << "\nEvery command accepts --data DIR to use another data folder.\n"
            "Run 'tonalmancer-cli COMMAND --help' for the arguments of one command.\n"
-           "Exit status: 0 success, 1 failure (message on stderr), 2 usage error.\n";
+           "Exit status: 0 success, 1 failure (message on stderr), 2 usage error.\n"
+           "\nOptions:\n"
+           "  -h, --help  show this help and exit\n"
+           "  --version   show the version and exit\n";
+}
+
+/**
+ * The words the shell completion offers: with no command the command names, else the options of
+ * that command, one per line. Hidden from --help; bash-completion/tonalmancer-cli calls it.
+ */
+int printCompletions(std::ostream& out, const std::vector<Command>& commands,
+                     const std::vector<std::string>& words)
+{
+    if (words.size() < 2) {
+        for (const Command& c : commands)
+            out << c.name << '\n';
+        return kExitSuccess;
+    }
+    const auto command = std::find_if(commands.begin(), commands.end(),
+                                      [&](const Command& c) { return c.name == words[1]; });
+    if (command == commands.end())
+        return kExitUsage;
+    for (const OptionSpec& option : command->options) {
+        out << "--" << option.name << '\n';
+        if (option.shortName != '\0')
+            out << '-' << option.shortName << '\n';
+    }
+    out << "--data\n--help\n";
+    return kExitSuccess;
 }
 
 void printCommandUsage(std::ostream& out, const Command& c)
@@ -77,6 +106,13 @@ int runCli(const std::vector<std::string>& words)
         printHelp(words.empty() ? std::cerr : std::cout, commands);
         return words.empty() ? kExitUsage : kExitSuccess;
     }
+
+    if (words[0] == "--version") {
+        std::cout << "tonalmancer-cli " << TM_VERSION << '\n';
+        return kExitSuccess;
+    }
+    if (words[0] == "--complete")
+        return printCompletions(std::cout, commands, words);
 
     const auto command = std::find_if(commands.begin(), commands.end(),
                                       [&](const Command& c) { return c.name == words[0]; });

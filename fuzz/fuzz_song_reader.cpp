@@ -68,19 +68,11 @@ public:
 };
 
 /**
- * Whether a write of the song reads back as it was written. Two things the file format cannot
- * carry are excluded: a sequence whose stored value width disagrees with the width the writer
- * chooses from the pattern count, and a MIDI or parameter-window entry without a name (its zero
- * byte ends the list).
+ * Whether a write of the song reads back as it was written. What the file format cannot carry is
+ * excluded: a MIDI or parameter-window entry without a name (its zero byte ends the list).
  */
 bool writesFaithfully(const song::BuzzSong& song)
 {
-    for (const song::SongSequence& s : song.sequences()) {
-        const std::uint8_t width =
-            song.patternCount(s.machine) > song::SongWriter::kMaxPatternsForByteValues ? 2 : 1;
-        if (!s.events.empty() && s.eventWidth != width)
-            return false;
-    }
     for (const song::MidiBinding& b : song.midiBindings()) {
         if (b.machineName.empty())
             return false;

@@ -1,5 +1,6 @@
 #include "midi/BuiltInSynth.h"
 
+#include "midi/PeakLimiter.h"
 #include "music/SafeFileWriter.h"
 
 #include <fluidsynth.h>
@@ -8,6 +9,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <mutex>
 #include <string>
@@ -52,6 +54,21 @@ std::string wavHeader(std::uint32_t dataBytes)
     return header;
 }
 
+/** Renders `frames` frames of the synth, reverb and chorus mixed in, through the limiter. */
+int renderLimited(fluid_synth_t* synth, PeakLimiter& limiter, float* left, float* right, int frames)
+{
+    float* dry[2] = {left, right};
+    float* effects[4] = {left, right, left, right};
+    const int result = fluid_synth_process(synth, frames, 4, effects, 2, dry);
+    limiter.process(left, right, frames);
+    return result;
+}
+
+std::int16_t toSample(float value)
+{
+    return static_cast<std::int16_t>(std::lround(std::clamp(value, -1.0f, 1.0f) * 32767.0f));
+}
+
 /**
  * Renders the synth into a WAV file in real time on a thread of its own, block by block against
  * absolute deadlines, so the file sounds as the speakers would have.
@@ -60,7 +77,7 @@ class WavRenderer
 {
 public:
     WavRenderer(fluid_synth_t* synth, const std::filesystem::path& path)
-        : m_synth(synth), m_writer(path)
+        : m_synth(synth), m_writer(path), m_limiter(BuiltInSynth::kSampleRate)
     {}
     ~WavRenderer() { stop(); }
     WavRenderer(const WavRenderer&) = delete;
@@ -90,13 +107,20 @@ private:
 
     void run()
     {
+        std::array<float, kBlockFrames> left{};
+        std::array<float, kBlockFrames> right{};
         std::array<std::int16_t, kBlockFrames * 2> samples{};
         const auto blockTime =
             std::chrono::microseconds(1'000'000LL * kBlockFrames / BuiltInSynth::kSampleRate);
         auto deadline = std::chrono::steady_clock::now();
         while (m_running) {
-            fluid_synth_write_s16(m_synth, kBlockFrames, samples.data(), 0, 2, samples.data(), 1,
-                                  2);
+            left.fill(0.0f);
+            right.fill(0.0f);
+            renderLimited(m_synth, m_limiter, left.data(), right.data(), kBlockFrames);
+            for (std::size_t i = 0; i < left.size(); ++i) {
+                samples[2 * i] = toSample(left[i]);
+                samples[2 * i + 1] = toSample(right[i]);
+            }
             if (!m_writer.write(samples.data(), sizeof(samples)))
                 break;
             m_dataBytes += static_cast<std::uint32_t>(sizeof(samples));
@@ -107,6 +131,7 @@ private:
 
     fluid_synth_t* m_synth;
     music::SafeFileWriter m_writer;
+    PeakLimiter m_limiter;
     std::thread m_thread;
     std::atomic<bool> m_running{true};
     std::uint32_t m_dataBytes = 0;
@@ -120,6 +145,23 @@ struct BuiltInSynth::Impl
     fluid_synth_t* synth = nullptr;
     fluid_audio_driver_t* driver = nullptr;
     std::unique_ptr<WavRenderer> renderer;
+    PeakLimiter limiter{kSampleRate}; // used by the audio driver's thread only
+
+    /** The audio driver's callback: the synth through the limiter into the driver's buffers. */
+    static int render(void* data, int frames, int effectCount, float* effects[], int outCount,
+                      float* out[])
+    {
+        auto* impl = static_cast<Impl*>(data);
+        if (outCount < 2)
+            return fluid_synth_process(impl->synth, frames, effectCount, effects, outCount, out);
+        if (effectCount != 0) { // separate effect buffers (JACK only): the dry pair is limited
+            const int result =
+                fluid_synth_process(impl->synth, frames, effectCount, effects, outCount, out);
+            impl->limiter.process(out[0], out[1], frames);
+            return result;
+        }
+        return renderLimited(impl->synth, impl->limiter, out[0], out[1], frames);
+    }
 
     ~Impl()
     {
@@ -189,9 +231,7 @@ std::unique_ptr<BuiltInSynth> BuiltInSynth::open(const std::filesystem::path& da
         return nullptr;
     fluid_settings_setnum(impl->settings, "synth.sample-rate", kSampleRate);
     fluid_settings_setint(impl->settings, "synth.threadsafe-api", 1);
-    // FluidSynth's default gain (0.2) is too quiet to audition with; eight voices at 0.5 stay
-    // clear of clipping with General MIDI soundfonts.
-    fluid_settings_setnum(impl->settings, "synth.gain", 0.5);
+    fluid_settings_setnum(impl->settings, "synth.gain", kGain);
     impl->synth = new_fluid_synth(impl->settings);
     if (impl->synth == nullptr ||
         fluid_synth_sfload(impl->synth, soundFont.string().c_str(), 1) == FLUID_FAILED) {
@@ -210,7 +250,7 @@ std::unique_ptr<BuiltInSynth> BuiltInSynth::open(const std::filesystem::path& da
              {"pipewire", "pulseaudio", "alsa", "coreaudio", "wasapi", "dsound", "sdl2"}) {
             if (fluid_settings_setstr(impl->settings, "audio.driver", driverName) != FLUID_OK)
                 continue;
-            impl->driver = new_fluid_audio_driver(impl->settings, impl->synth);
+            impl->driver = new_fluid_audio_driver2(impl->settings, &Impl::render, impl.get());
             if (impl->driver != nullptr)
                 break;
         }

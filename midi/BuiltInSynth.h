@@ -23,6 +23,13 @@ public:
     static constexpr std::string_view kDeviceName = "Built-in synthesizer (FluidSynth)";
     static constexpr const char* kWavVariable = "TONALMANCER_SYNTH_WAV";
     static constexpr int kSampleRate = 44100;
+    /**
+     * FluidSynth's output gain. FluidSynth's own default (0.2) is far too quiet to audition
+     * with: at this gain a dense chord (eight notes, velocity 80, the default program) peaks
+     * around -6 dBFS, and a PeakLimiter at -1 dBFS catches louder programs and velocities, so
+     * nothing clips.
+     */
+    static constexpr double kGain = 1.9;
 
     ~BuiltInSynth() override;
     BuiltInSynth(const BuiltInSynth&) = delete;

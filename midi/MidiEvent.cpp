@@ -2,6 +2,8 @@
 
 #include "midi/VariableLengthQuantity.h"
 
+#include <algorithm>
+
 namespace midi {
 
 namespace {
@@ -106,10 +108,15 @@ void MidiEvent::appendTo(std::vector<std::uint8_t>& out) const
     out.push_back(m_status); // no running status: the status is written every time
 
     if (m_status >= 0x80 && m_status <= 0xEF) {
-        out.push_back(dataByte(1));
+        // A data byte has seven bits: a larger value would read as a status byte, so it is
+        // written as 127 and no reader can mistake the file.
+        const auto data = [this](int index) {
+            return std::min<std::uint8_t>(dataByte(index), 0x7F);
+        };
+        out.push_back(data(1));
         const std::uint8_t kind = m_status & 0xF0;
         if (kind != 0xC0 && kind != 0xD0)
-            out.push_back(dataByte(2));
+            out.push_back(data(2));
         return;
     }
     if (m_status == kSystemExclusive || m_status == kSystemExclusiveEscape) {

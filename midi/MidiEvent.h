@@ -10,7 +10,8 @@ namespace midi {
 /**
  * One event of a MIDI file track: a delta time and a status byte with what that status carries.
  *
- * Channel events (0x80..0xEF) use data bytes 1 and 2 (note and velocity). Meta events (0xFF)
+ * Channel events (0x80..0xEF) use data bytes 1 and 2 (note and velocity), written as at most
+ * 127 since MIDI data bytes have seven bits. Meta events (0xFF)
  * keep their type in data byte 1 and their payload, by type, in the sequence number, the tempo,
  * data bytes 2..6 or the data buffer; system exclusive events (0xF0, 0xF7) use the data buffer.
  * The program makes only note on/off, tempo, time signature, track name, marker and end of track;
@@ -45,7 +46,8 @@ public:
 
     /**
      * Note on from a packed message. The status is (channel - 0x70) mod 256, which is
-     * 0x90 + channel for the channels 0..15; the note and velocity bytes are stored as they are.
+     * 0x90 + channel for the channels 0..15; the note and velocity bytes are stored as they are
+     * (and written as at most 127).
      */
     static MidiEvent noteOn(std::uint32_t delta, std::uint32_t packedMessage);
     /** Note off from a packed message: status channel + 0x80 (mod 256). */

@@ -27,7 +27,7 @@ public:
         m_lastEventStep = message.step;
 
         const std::uint32_t packed =
-            MidiEvent::packMessage(message.channel(), message.note, message.fileVelocity());
+            MidiEvent::packMessage(message.channel(), message.note, message.velocityByte());
         if (message.isNoteOn())
             m_file.addNoteOn(delta, packed);
         else
@@ -93,7 +93,7 @@ music::Result MidiFileExporter::build(const part::Part& part, MidiFile& file,
         return fail(kEmptyRangeMessage);
     std::uint64_t rows = 0;
     for (int i = first; i <= last; ++i)
-        rows += part.chord(i).length;
+        rows += static_cast<std::uint64_t>(part.chord(i).rows());
     const std::uint32_t step = ticksPerStep(m_options.ticksPerBeat);
     if ((rows + 1) * step > VariableLengthQuantity::kMaximum)
         return fail(kTooLongMessage);

@@ -23,7 +23,8 @@ namespace midi {
  * written event, counted in whole steps from one step *before* the first when the first step was
  * silent; so a silent first row makes the next event one step late. This matches the files the
  * program has always written. The notes still sounding at the end stop one step after the last
- * row, with velocity V - 1.
+ * row, with velocity V - 1. Every velocity byte is clamped into 1..127 (0..127 for a note off),
+ * so that other programs can read the file.
  *
  * With MidiExportOptions::writeChordNames, track 1 also names the sequence (first, at tick 0)
  * and holds one marker (FF 06) with each chord's name at the tick where the chord starts: its

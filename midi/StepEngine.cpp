@@ -5,6 +5,16 @@
 
 namespace midi {
 
+namespace {
+
+/** The status of a note off on `channel` (0..15). */
+std::uint8_t noteOffStatus(std::uint8_t channel)
+{
+    return static_cast<std::uint8_t>(MidiEvent::kNoteOff | channel);
+}
+
+} // namespace
+
 StepEngine::StepEngine(StepSink& sink) : m_sink(sink)
 {
     m_sounding.fill(kNoNote);
@@ -75,7 +85,7 @@ bool StepEngine::enterChord(int index)
 {
     for (; index <= m_lastChord; ++index) {
         const part::PartChord& chord = m_part.chord(index);
-        if (chord.length == 0)
+        if (chord.rows() == 0)
             continue;
         m_currentChord = static_cast<std::uint16_t>(index);
         m_stepInChord = 0;
@@ -90,7 +100,7 @@ bool StepEngine::step()
     if (!m_playing)
         return false;
     ++m_stepInChord;
-    if (m_stepInChord >= m_part.chord(m_currentChord).length && !enterChord(m_currentChord + 1)) {
+    if (m_stepInChord >= m_part.chord(m_currentChord).rows() && !enterChord(m_currentChord + 1)) {
         stop();
         return false;
     }
@@ -110,7 +120,6 @@ void StepEngine::renderCurrentRow()
     const part::RowEvents events =
         part::renderPartRow(m_part, m_chord, m_currentChord, m_stepInChord, m_options);
     const auto noteOn = static_cast<std::uint8_t>(MidiEvent::kNoteOn | m_channel);
-    const auto noteOff = static_cast<std::uint8_t>(MidiEvent::kNoteOff | m_channel);
 
     m_pending.clear();
     for (std::size_t track = 0; track < events.size(); ++track) {
@@ -121,11 +130,13 @@ void StepEngine::renderCurrentRow()
             continue;
         std::uint8_t& sounding = m_sounding[track];
         if (sounding != kNoNote) {
-            m_pending.push_back({m_stepIndex, noteOff, sounding, 0});
+            m_pending.push_back(
+                {m_stepIndex, noteOffStatus(m_soundingChannel[track]), sounding, 0});
             sounding = kNoNote;
         }
         if (event.type == part::TrackEvent::Type::Note) {
             sounding = static_cast<std::uint8_t>(event.note);
+            m_soundingChannel[track] = m_channel;
             m_pending.push_back({m_stepIndex, noteOn, sounding, 0});
         }
     }
@@ -146,11 +157,11 @@ void StepEngine::sendPending()
 
 void StepEngine::stopNotes(std::uint32_t stepIndex)
 {
-    const auto noteOff = static_cast<std::uint8_t>(MidiEvent::kNoteOff | m_channel);
-    for (std::uint8_t& sounding : m_sounding) {
+    for (std::size_t track = 0; track < m_sounding.size(); ++track) {
+        std::uint8_t& sounding = m_sounding[track];
         if (sounding == kNoNote)
             continue;
-        m_sink.send({stepIndex, noteOff, sounding, m_velocity - 1});
+        m_sink.send({stepIndex, noteOffStatus(m_soundingChannel[track]), sounding, m_velocity - 1});
         sounding = kNoNote;
     }
 }

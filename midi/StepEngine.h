@@ -18,10 +18,12 @@ namespace midi {
  *
  * Each step renders the current row with the row-to-notes rule of the part library. Per track,
  * in track order, a stopping note gives a note off and a new note gives a note off for the
- * track's sounding note (if any) followed by a note on. Every message of a step gets the velocity
- * V - r + n / 2: V the velocity setting, r = music::RandomSource::random(3) drawn per message, n
- * the number of messages of the step. When V is above 127 the message still uses it and V then
- * becomes 127. Notes outside 0..127 (only damaged patterns make them) are skipped.
+ * track's sounding note (if any, on the channel it started on) followed by a note on. Every message
+ * of a step gets the velocity V - r + n / 2: V the velocity setting, r =
+ * music::RandomSource::random(3) drawn per message, n the number of messages of the step. When V is
+ * above 127 the message still uses it and V then becomes 127; the byte sent or stored is clamped
+ * into 1..127 (see StepMessage::velocityByte), so a file never holds an invalid data byte. Notes
+ * outside 0..127 (only damaged patterns make them) are skipped.
  *
  * A chord plays rows 0..length-1 of its pattern; chords of length 0 are passed over. When the
  * last chord has played its rows, the next `step()` stops every sounding note (velocity V - 1)
@@ -41,7 +43,11 @@ public:
     void setRenderOptions(const part::RenderOptions& options) { m_options = options; }
     const part::RenderOptions& renderOptions() const { return m_options; }
 
-    /** 0..15 (the low 4 bits are kept); takes effect on the next message. */
+    /**
+     * 0..15 (the low 4 bits are kept); takes effect on the next note on. A sounding note is
+     * always ended on the channel it was started on, so changing the channel while playing
+     * leaves no note hanging.
+     */
     void setChannel(std::uint8_t channel) { m_channel = static_cast<std::uint8_t>(channel & 0x0F); }
     std::uint8_t channel() const { return m_channel; }
 
@@ -119,6 +125,7 @@ private:
     int m_stepInChord = 0;
     std::uint32_t m_stepIndex = 0;
     std::array<std::uint8_t, part::kTrackCount> m_sounding{};
+    std::array<std::uint8_t, part::kTrackCount> m_soundingChannel{}; // where each note started
     std::vector<StepMessage> m_pending; // the messages of the step being rendered
 };
 

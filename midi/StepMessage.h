@@ -23,15 +23,14 @@ struct StepMessage
     bool isNoteOn() const { return (status & 0xF0) == 0x90; }
     std::uint8_t channel() const { return static_cast<std::uint8_t>(status & 0x0F); }
 
-    /** The velocity byte a MIDI file stores: the low 8 bits, as they are. */
-    std::uint8_t fileVelocity() const { return static_cast<std::uint8_t>(velocity & 0xFF); }
-
     /**
-     * The velocity to send to a device: clamped into a 7-bit data byte, and at least 1 for a
-     * note on so that it never reads as a note off. Live playback uses this to keep real synths
-     * from misreading an out-of-range byte as a status byte.
+     * The velocity byte that goes to a device and into a MIDI file: clamped into a 7-bit data
+     * byte, and at least 1 for a note on so that it never reads as a note off. The velocity rule
+     * can leave that range (a setting of 128 gives 128 or more once, a setting near 0 goes
+     * below 1); stored as it is, such a value puts a status byte where a data byte belongs and
+     * other programs refuse the file, so both outputs clamp it.
      */
-    std::uint8_t deviceVelocity() const
+    std::uint8_t velocityByte() const
     {
         return static_cast<std::uint8_t>(std::clamp(velocity, isNoteOn() ? 1 : 0, 127));
     }

@@ -1,12 +1,14 @@
 #include "music/ChordCollection.h"
 
 #include "music/FileBytes.h"
+#include "music/IntervalTable.h"
 #include "music/SafeFileWriter.h"
 #include "music/ScaleList.h"
 #include "music/TextLineReader.h"
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 namespace music {
 
@@ -77,20 +79,50 @@ Chord ChordCollection::makeChord(const ChordType& type, const IntervalList& inte
                                  PitchClass base)
 {
     Chord chord;
-    chord.name = std::string(noteName(base)) + type.name();
+    chord.name = std::string(noteName(base)) + type.name() + droppedMark(intervals);
     const auto& semitones = intervals.semitones();
     for (std::size_t i = 0; i < semitones.size() && i < Chord::kSlotCount; ++i)
         chord.slots[i] = static_cast<NoteValue>(base + semitones[i]);
     return chord;
 }
 
-void ChordCollection::generateList(const ChordTypeList& types)
+std::vector<std::uint8_t> ChordCollection::droppedIntervals(const IntervalList& intervals)
+{
+    const auto& semitones = intervals.semitones();
+    if (intervals.isError() || semitones.size() <= static_cast<std::size_t>(Chord::kSlotCount))
+        return {};
+    return {semitones.begin() + Chord::kSlotCount, semitones.end()};
+}
+
+std::string ChordCollection::droppedMark(const IntervalList& intervals)
+{
+    std::string symbols;
+    for (const std::uint8_t semitones : droppedIntervals(intervals)) {
+        symbols += symbols.empty() ? "" : ", ";
+        symbols += IntervalTable::symbol(semitones);
+    }
+    return symbols.empty() ? symbols : " (no " + symbols + ")";
+}
+
+std::string ChordCollection::droppedWarning(const IntervalList& intervals)
+{
+    const std::string mark = droppedMark(intervals);
+    if (mark.empty())
+        return mark;
+    // " (no 11, 13)" -> "11, 13" and "(no 11, 13)"
+    const std::string symbols = mark.substr(5, mark.size() - 6);
+    return "A chord holds five notes: the chords of this type leave out " + symbols +
+           " and are named with \"" + mark.substr(1) + "\".";
+}
+
+void ChordCollection::generateList(const ChordTypeList& types, const ChordFilter& keep)
 {
     m_groups.clear();
 
     ChordBaseGroup byChord{std::string(kSortedByChord), {}};
     for (const std::string_view name : kChordSections)
         byChord.sections.push_back({std::string(name), false, {}, {}});
+    byChord.sections.push_back({std::string(kCutSection), false, {}, {}});
 
     ChordBaseGroup byNote{std::string(kSortedByNote), {}};
     for (int base = 0; base < kPitchClassCount; ++base) {
@@ -104,21 +136,30 @@ void ChordCollection::generateList(const ChordTypeList& types)
         const IntervalList intervals = type.intervals();
         if (!intervals.isUsable())
             continue;
+        std::array<std::optional<Chord>, kPitchClassCount> chords;
+        for (int base = 0; base < kPitchClassCount; ++base) {
+            const auto root = static_cast<PitchClass>(base);
+            Chord chord = makeChord(type, intervals, root);
+            if (!keep || keep(root, chord))
+                chords[static_cast<std::size_t>(base)] = std::move(chord);
+        }
         const int count = intervals.count();
-        if (count >= 2 && count <= Chord::kSlotCount) {
+        if (count >= 2) {
+            // Types of 2..5 intervals by their count; longer ones in the section after "Ninths".
+            const auto section =
+                static_cast<std::size_t>(std::min(count, Chord::kSlotCount + 1) - 2);
             ChordSubsection subsection{type.name(), {}};
-            subsection.chords.reserve(kPitchClassCount);
-            for (int base = 0; base < kPitchClassCount; ++base)
-                subsection.chords.push_back(
-                    makeChord(type, intervals, static_cast<PitchClass>(base)));
-            byChord.sections[static_cast<std::size_t>(count - 2)].subsections.push_back(
-                std::move(subsection));
+            for (const std::optional<Chord>& chord : chords) {
+                if (chord)
+                    subsection.chords.push_back(*chord);
+            }
+            if (!subsection.chords.empty())
+                byChord.sections[section].subsections.push_back(std::move(subsection));
         }
         const auto classIndex = static_cast<std::size_t>(std::min(count, Chord::kSlotCount));
-        for (int base = 0; base < kPitchClassCount; ++base) {
-            byNote.sections[static_cast<std::size_t>(base)]
-                .subsections[classIndex]
-                .chords.push_back(makeChord(type, intervals, static_cast<PitchClass>(base)));
+        for (std::size_t base = 0; base < chords.size(); ++base) {
+            if (chords[base])
+                byNote.sections[base].subsections[classIndex].chords.push_back(*chords[base]);
         }
     }
 

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,8 @@ class ChordCollection
 {
 public:
     static constexpr std::string_view kMagic = "Tonalmancer_Chords";
+    /** The working collection in the data folder, loaded at start-up. */
+    static constexpr const char* kDefaultFileName = "default.crd";
     static constexpr std::string_view kErrorOpening = "Error opening file.";
     static constexpr std::string_view kNotValid = "Seems to be no valid file.";
     static constexpr std::size_t kMaxChildren = 65535;
@@ -37,6 +40,8 @@ public:
     /** The sections of "Sorted by chord", for types of 2, 3, 4 and 5 intervals. */
     static constexpr std::array<std::string_view, 4> kChordSections = {"Diads", "Triads",
                                                                        "Sevenths", "Ninths"};
+    /** The section of "Sorted by chord" after "Ninths" for types of more than five intervals. */
+    static constexpr std::string_view kCutSection = "Cut to five notes";
     /** The class words of chords by their number of notes, 0..5. */
     static constexpr std::array<std::string_view, 6> kClassWords = {"empty",  "notes",    "diads",
                                                                     "triads", "sevenths", "ninths"};
@@ -57,18 +62,37 @@ public:
     /**
      * The chord of `type` on the base pitch class `base`: the base plus each interval in the
      * order written (values 0..32, built upward from octave 0), named with the note's name
-     * followed directly by the type's name. Only the first five intervals get a slot.
+     * followed directly by the type's name. Only the first five intervals get a slot; the name
+     * of a chord that leaves intervals out says which, as in "C13full (no 11, 13)".
      */
     static Chord makeChord(const ChordType& type, const IntervalList& intervals, PitchClass base);
 
+    /** The intervals (in semitones) that get no slot in a chord: those after the fifth. */
+    static std::vector<std::uint8_t> droppedIntervals(const IntervalList& intervals);
+    /** " (no 11, 13)": the symbols of the dropped intervals; empty when none is dropped. */
+    static std::string droppedMark(const IntervalList& intervals);
+    /**
+     * What defining a type of more than five intervals should tell the user, naming the
+     * intervals its chords leave out; empty for a type whose chords hold every interval.
+     */
+    static std::string droppedWarning(const IntervalList& intervals);
+
+    /**
+     * Decides whether a generated chord goes into the collection; `root` is the base pitch class
+     * the chord was built on (its name alone cannot tell: "C" + "#5" reads as "C#5").
+     */
+    using ChordFilter = std::function<bool(PitchClass root, const Chord& chord)>;
+
     /**
      * "Generate List": replaces the collection with the base groups "Sorted by chord" and
-     * "Sorted by note" built from `types`, then removes their empty sections and subsections.
-     * Types whose construction is invalid or empty make no chord. A type with more than five
-     * intervals is skipped in "Sorted by chord" and put, with its first five notes, among the
-     * "ninths" of "Sorted by note".
+     * "Sorted by note" built from `types`, keeping only the chords `keep` accepts (all when it
+     * is empty), then removes their empty sections and subsections. Types whose construction is
+     * invalid or empty make no chord. The chords of a type with more than five intervals keep
+     * their first five notes and say in their names which they leave out; they go to the
+     * section "Cut to five notes" of "Sorted by chord" (never among the "Ninths") and to the
+     * five-note "ninths" of "Sorted by note".
      */
-    void generateList(const ChordTypeList& types);
+    void generateList(const ChordTypeList& types, const ChordFilter& keep = {});
 
     /** Appends an empty base group and returns its index; -1 when the tree holds 65535 already. */
     int addBaseGroup(std::string name);

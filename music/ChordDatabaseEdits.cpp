@@ -16,39 +16,16 @@ std::size_t at(int index)
     return static_cast<std::size_t>(index);
 }
 
-/** The root of a generated chord, from the note name its name starts with. */
-std::optional<music::PitchClass> rootOfName(const std::string& name)
-{
-    if (name.size() >= 2 && name[1] == '#') {
-        if (auto sharp = music::parseNoteName(name.substr(0, 2)))
-            return sharp;
-    }
-    return name.empty() ? std::nullopt : music::parseNoteName(name.substr(0, 1));
-}
-
-bool keepChord(const music::Chord& chord, const ChordDatabaseEdits::GenerateOptions& options)
+/** The options as a filter of generated chords, which knows each chord's root. */
+ChordCollection::ChordFilter filterOf(const ChordDatabaseEdits::GenerateOptions& options)
 {
     if (!options.scale)
-        return true;
-    if (options.everyNoteInScale) {
-        const auto root = rootOfName(chord.name);
-        if (root && !(*options.scale)[*root])
+        return {};
+    return [options](music::PitchClass root, const music::Chord& chord) {
+        if (options.everyNoteInScale && !(*options.scale)[root])
             return false;
-    }
-    return !options.onlyScaleNotes || ChordDatabaseEdits::usesOnly(chord, *options.scale);
-}
-
-/** Applies the options to a generated group and drops what became empty. */
-void filterGroup(music::ChordBaseGroup& group, const ChordDatabaseEdits::GenerateOptions& options)
-{
-    for (auto& section : group.sections) {
-        for (auto& sub : section.subsections) {
-            std::erase_if(sub.chords,
-                          [&](const music::Chord& chord) { return !keepChord(chord, options); });
-        }
-        std::erase_if(section.subsections, [](const auto& sub) { return sub.chords.empty(); });
-    }
-    std::erase_if(group.sections, [](const auto& section) { return section.subsections.empty(); });
+        return !options.onlyScaleNotes || ChordDatabaseEdits::usesOnly(chord, *options.scale);
+    };
 }
 
 music::ChordSubsection* subsectionAt(ChordCollection& c, const TreePosition& p)
@@ -93,9 +70,7 @@ void ChordDatabaseEdits::generateList(ChordCollection& collection,
                                       const music::ChordTypeList& types,
                                       const GenerateOptions& options)
 {
-    collection.generateList(types);
-    for (auto& group : collection.baseGroups())
-        filterGroup(group, options);
+    collection.generateList(types, filterOf(options));
 }
 
 int ChordDatabaseEdits::generateBase(ChordCollection& collection, const music::ChordTypeList& types,
@@ -104,7 +79,7 @@ int ChordDatabaseEdits::generateBase(ChordCollection& collection, const music::C
     if (collection.baseGroups().size() >= ChordCollection::kMaxChildren)
         return -1;
     ChordCollection generated;
-    generated.generateList(types);
+    generated.generateList(types, filterOf(options));
     const auto byNote =
         std::find_if(generated.baseGroups().begin(), generated.baseGroups().end(),
                      [](const auto& g) { return g.name == ChordCollection::kSortedByNote; });
@@ -112,7 +87,6 @@ int ChordDatabaseEdits::generateBase(ChordCollection& collection, const music::C
         return -1;
     music::ChordBaseGroup group = *byNote;
     group.name = options.name;
-    filterGroup(group, options);
     if (group.sections.empty())
         return -1;
     if (options.scale) {

@@ -27,7 +27,9 @@ bool ChordTypeList::add(std::string name, std::string_view construction)
 
 Result ChordTypeList::addChecked(std::string name, std::string_view construction)
 {
-    if (!IntervalList::parse(filterConstruction(construction)).isUsable())
+    // The text as typed is parsed, so that a character the filter would drop (an upper-case
+    // "B" in "1;B3;5;") refuses the text instead of changing its meaning.
+    if (!IntervalList::parse(construction).isUsable())
         return Result::failure(std::string(kInvalidConstruction));
     if (!add(std::move(name), construction))
         return Result::failure("The list holds 65535 chord types already");

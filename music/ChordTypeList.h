@@ -24,6 +24,8 @@ class ChordTypeList
 {
 public:
     static constexpr std::string_view kMagic = "Tonalmancer_ConstructChords";
+    /** The list in the data folder that the type dialogs load and "Defaults" restores. */
+    static constexpr const char* kDefaultFileName = "default.ccl";
     static constexpr std::string_view kErrorOpening = "Error opening file.";
     static constexpr std::string_view kNotValid = "Seems to be no valid file.";
     static constexpr std::string_view kInvalidConstruction = "No valid construction string";
@@ -42,8 +44,10 @@ public:
      */
     bool add(std::string name, std::string_view construction);
     /**
-     * As `add`, but refuses with "No valid construction string" when the filtered text does not
-     * parse to at least one interval. This is what defining a new type does.
+     * As `add`, but refuses with "No valid construction string" unless the text as typed parses
+     * to at least one interval (as the `intervals` command parses it: blanks are dropped, any
+     * other character outside the symbols refuses the text). This is what defining a new type
+     * does. The stored text is the filtered one, so "1; b3; 5;" is stored as "1;b3;5;".
      */
     Result addChecked(std::string name, std::string_view construction);
     void remove(std::size_t index);

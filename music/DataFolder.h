@@ -1,5 +1,6 @@
 #pragma once
 
+#include "music/ChordTypeList.h"
 #include "music/Result.h"
 
 #include <filesystem>
@@ -23,7 +24,7 @@ public:
     explicit DataFolder(std::filesystem::path root) : m_root(std::move(root)) {}
 
     /** The file whose presence marks a folder as holding the shipped data. */
-    static constexpr std::string_view kMarkerFile = "default.ccl";
+    static constexpr std::string_view kMarkerFile = ChordTypeList::kDefaultFileName;
 
     /**
      * Finds the data folder for an executable in `executableDir`. A non-empty `explicitDir`

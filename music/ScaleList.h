@@ -23,6 +23,8 @@ class ScaleList
 {
 public:
     static constexpr std::string_view kMagic = "Tonalmancer_Scales";
+    /** The list in the data folder that the type dialogs load and "Defaults" restores. */
+    static constexpr const char* kDefaultFileName = "default.scl";
     static constexpr std::string_view kErrorOpening = "Error opening file";
     static constexpr std::string_view kNotValid = "Seems to be no valid file";
     static constexpr std::string_view kErrorInString = "Error in String";

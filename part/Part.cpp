@@ -15,6 +15,7 @@ bool Part::append(PartChord chord)
 {
     if (count() >= kMaxChords)
         return false;
+    chord.setLength(chord.length);
     m_chords.push_back(std::move(chord));
     return true;
 }
@@ -24,6 +25,7 @@ bool Part::insert(int index, PartChord chord)
     if (count() >= kMaxChords)
         return false;
     index = std::clamp(index, 0, count());
+    chord.setLength(chord.length);
     m_chords.insert(m_chords.begin() + index, std::move(chord));
     return true;
 }

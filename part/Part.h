@@ -38,9 +38,12 @@ public:
     const PartChord& chord(int index) const { return m_chords.at(index); }
     PartChord& chord(int index) { return m_chords.at(index); }
     const std::vector<PartChord>& chords() const { return m_chords; }
-    /** False (nothing changes) when the list is full. */
+    /** False (nothing changes) when the list is full. A length above 64 is lowered to 64. */
     bool append(PartChord chord);
-    /** Inserts before `index` (clamped to 0..count()); false when the list is full. */
+    /**
+     * Inserts before `index` (clamped to 0..count()); false when the list is full. A length
+     * above 64 is lowered to 64.
+     */
     bool insert(int index, PartChord chord);
     /** Out of range: nothing happens. */
     void remove(int index);

@@ -29,6 +29,9 @@ Part PartFile::parse(std::string_view bytes)
     music::TextLineReader in(bytes);
     Part part;
     readPatternList(in, part.patterns());
+    // A part always has a pattern to put new chords on and to show in the editor.
+    if (part.patterns().isEmpty())
+        part.patterns().append(Pattern());
     readChordList(in, part);
     part.setBaseOctave(static_cast<std::uint8_t>(in.readInt() & 0xFF));
     part.setCurrentPattern(static_cast<std::uint16_t>(in.readInt() & 0xFFFF));

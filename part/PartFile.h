@@ -24,7 +24,9 @@ public:
 
     /** The file's bytes for a part. */
     static std::string serialize(const Part& part);
-    /** Reads a part from bytes. Never fails: a short or foreign file gives zeros and empty names.
+    /**
+     * Reads a part from bytes. Never fails: a short or foreign file gives zeros and empty names.
+     * A file without patterns gives one empty "noname" pattern, so a part always has one.
      */
     static Part parse(std::string_view bytes);
 

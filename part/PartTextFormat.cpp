@@ -92,7 +92,7 @@ void writeChordList(std::string& out, const Part& part)
         const int noteCount = std::min<int>(chord.noteCount, PartChord::kMaxNotes);
         writeNumber(out, noteCount);
         writeNumber(out, chord.pattern);
-        writeNumber(out, chord.length);
+        writeNumber(out, chord.rows());
         for (int n = 0; n < noteCount; ++n)
             writeNumber(out, chord.notes[static_cast<std::size_t>(n)]);
     }
@@ -108,7 +108,8 @@ void readChordList(music::TextLineReader& in, Part& part)
         chord.name = in.readLine();
         const int noteCount = toByte(in.readInt());
         chord.pattern = toWord(in.readInt());
-        chord.length = toByte(in.readInt());
+        // Lengths above 64 (a pattern's rows) were silence after row 63: read as 64.
+        chord.setLength(toByte(in.readInt()));
         // Every declared note line is consumed to stay in step with the file; a chord keeps 7.
         for (int n = 0; n < noteCount; ++n) {
             const std::uint8_t note = toByte(in.readInt());

@@ -16,12 +16,13 @@ void putValue(std::uint8_t* at, std::uint8_t width, int value)
         at[1] = static_cast<std::uint8_t>((value >> 8) & 0xFF);
 }
 
-/** One row of a machine's global (or one track's) parameters, each holding noValue or default. */
-std::vector<std::uint8_t> rowTemplate(const SongMachine& machine, bool global, bool defaults)
+/** One row of `size` bytes of an entry's global (or one track's) parameters. */
+std::vector<std::uint8_t> parameterRowOf(const MachineDatabaseEntry& entry, std::size_t size,
+                                         bool global, bool defaults)
 {
-    std::vector<std::uint8_t> row(global ? machine.globalRowSize : machine.trackRowSize, 0);
+    std::vector<std::uint8_t> row(size, 0);
     std::size_t offset = 0;
-    for (const MachineParameter& p : machine.description.parameters) {
+    for (const MachineParameter& p : entry.parameters) {
         if (p.isGlobal() != global)
             continue;
         const std::uint8_t width = BuzzSong::parameterWidth(p.type);
@@ -32,6 +33,21 @@ std::vector<std::uint8_t> rowTemplate(const SongMachine& machine, bool global, b
         offset += width;
     }
     return row;
+}
+
+/** One row of a machine's global (or one track's) parameters, each holding noValue or default. */
+std::vector<std::uint8_t> rowTemplate(const SongMachine& machine, bool global, bool defaults)
+{
+    return parameterRowOf(machine.description,
+                          global ? machine.globalRowSize : machine.trackRowSize, global, defaults);
+}
+
+/** An input block: the source index, then amplitude and panning 0xFFFF ("no change") per row. */
+std::vector<std::uint8_t> emptyInput(std::uint16_t source, std::size_t rows)
+{
+    std::vector<std::uint8_t> input(rows * 4 + 2, 0xFF);
+    putValue(input.data(), 2, source);
+    return input;
 }
 
 std::vector<std::uint8_t> repeatRow(const std::vector<std::uint8_t>& row, std::size_t rows)
@@ -230,12 +246,8 @@ std::optional<std::size_t> BuzzSong::createPattern(std::size_t machine, std::str
     SongPattern pattern;
     pattern.name = std::move(name);
     pattern.rows = rows;
-    for (const std::size_t c : inputsOf(machine)) {
-        // Source index, then amplitude and panning 0xFFFF ("no change") on every row.
-        std::vector<std::uint8_t> input(std::size_t{rows} * 4 + 2, 0xFF);
-        putValue(input.data(), 2, m_connections[c].source);
-        pattern.inputs.push_back(std::move(input));
-    }
+    for (const std::size_t c : inputsOf(machine))
+        pattern.inputs.push_back(emptyInput(m_connections[c].source, rows));
     pattern.globalRows = repeatRow(rowTemplate(m, true, false), rows);
     pattern.trackRows =
         repeatRow(rowTemplate(m, false, false), std::size_t{rows} * block.trackCount);
@@ -288,6 +300,32 @@ std::size_t BuzzSong::addSequence(std::size_t machine)
     sequence.machine = static_cast<std::uint16_t>(machine);
     m_sequences.push_back(sequence);
     return m_sequences.size() - 1;
+}
+
+std::size_t BuzzSong::addConnection(const SongConnection& connection)
+{
+    m_connections.push_back(connection);
+    if (connection.destination < m_patternBlocks.size()) {
+        for (SongPattern& p : m_patternBlocks[connection.destination].patterns)
+            p.inputs.push_back(emptyInput(connection.source, p.rows));
+    }
+    return m_connections.size() - 1;
+}
+
+std::vector<std::uint8_t> BuzzSong::parameterRow(const MachineDatabaseEntry& entry, bool global,
+                                                 bool defaults)
+{
+    return parameterRowOf(entry, global ? entry.globalRowSize : entry.trackRowSize, global,
+                          defaults);
+}
+
+std::size_t BuzzSong::findMaster() const
+{
+    for (std::size_t i = 0; i < m_machines.size(); ++i) {
+        if (m_machines[i].isMaster())
+            return i;
+    }
+    return kNameNotFound;
 }
 
 } // namespace song

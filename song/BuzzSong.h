@@ -152,9 +152,23 @@ public:
     void removeSequencesOf(std::size_t machine);
     /** Appends an empty sequence for a machine; returns its index into sequences(). */
     std::size_t addSequence(std::size_t machine);
+    /**
+     * Appends a connection and gives every pattern of its destination the input block that goes
+     * with it (source index, amplitude and panning "no change" on every row), so that the
+     * patterns keep one block per input in connection order. Returns its index in connections().
+     */
+    std::size_t addConnection(const SongConnection& connection);
+    /** Index of the master (the machine of type 0), or kNameNotFound. */
+    std::size_t findMaster() const;
 
     /** Bytes a parameter of this type takes in a row: word 2, note/switch/byte 1, others 0. */
     static std::uint8_t parameterWidth(int type);
+    /**
+     * One row of an entry's global parameters (or of one track), every parameter at its default
+     * value (`defaults`) or at its no-value, 16-bit words little-endian.
+     */
+    static std::vector<std::uint8_t> parameterRow(const MachineDatabaseEntry& entry, bool global,
+                                                  bool defaults);
     /** Index of the parameter with this name (case-insensitive) in an entry, or nothing. */
     static std::optional<std::size_t> findParameter(const MachineDatabaseEntry& entry,
                                                     std::string_view name);

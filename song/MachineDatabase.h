@@ -47,8 +47,16 @@ struct MachineDatabaseEntry
     std::uint8_t trackRowSize = 0;            // bytes of one row of one track
     std::vector<MachineParameter> parameters; // global ones first
 
+    /**
+     * The end of the short name of an entry learned from a song: its track range is what that
+     * song used, not what the machine allows, and a scan of the machine's DLL replaces it.
+     */
+    static constexpr std::string_view kLearnedMark = " (learned)";
+
     /** Index of the parameter with this name (case-insensitive), or -1. */
     int findParameter(std::string_view name) const;
+    /** Whether the entry was learned from a song (see kLearnedMark). */
+    bool isLearned() const { return shortName.ends_with(kLearnedMark); }
 };
 
 /**

@@ -27,6 +27,10 @@ struct EntryLines
 {
     std::vector<std::string> lines;
     std::string dllName() const { return lines.empty() ? std::string() : lines.front(); }
+    bool isLearned() const
+    {
+        return lines.size() > 1 && lines[1].ends_with(MachineDatabaseEntry::kLearnedMark);
+    }
 };
 
 /**
@@ -248,7 +252,13 @@ music::Result MachineScanner::scanSingleDll(const fs::path& dataDir, const fs::p
         const auto parsed = parseDatabase(*existing);
         if (!parsed)
             return music::Result::failure(std::string(kDamagedMessage), kErrorDamaged);
+        count = parsed->count;
         for (const EntryLines& old : parsed->entries) {
+            // An entry learned from a song (any case of the name) gives way to the DLL's own.
+            if (old.isLearned() && music::equalsIgnoringCase(old.dllName(), newName)) {
+                --count;
+                continue;
+            }
             if (old.dllName() == newName)
                 return music::Result::success(); // already known: the file stays as it is
             for (const std::string& line : old.lines) {
@@ -256,7 +266,6 @@ music::Result MachineScanner::scanSingleDll(const fs::path& dataDir, const fs::p
                 lines += '\n';
             }
         }
-        count = parsed->count;
     }
     const music::Result written =
         writeThroughTemporary(dataDir, static_cast<std::uint16_t>(count + 1), lines);

@@ -47,9 +47,10 @@ public:
      * Adds one DLL to `machines.ini`. Its parent folder must be named "effects" (type 2) or
      * "generators" (type 1), in any case. The new entry goes first; when `machines.ini` is
      * missing, the five built-in entries follow it and the count becomes 4 (3 plus the new one);
-     * otherwise the count entries of the old file follow and the count grows by one. A DLL whose
-     * name (compared case-sensitively) is already among them leaves the file byte for byte
-     * unchanged and `databaseChanged` false, with success.
+     * otherwise the count entries of the old file follow and the count grows by one. An entry
+     * learned from a song for the same DLL (name in any case) is replaced: it is left out and the
+     * count stays. Otherwise a DLL whose name (compared case-sensitively) is already among them
+     * leaves the file byte for byte unchanged and `databaseChanged` false, with success.
      */
     static music::Result scanSingleDll(const std::filesystem::path& dataDir,
                                        const std::filesystem::path& dllPath, bool& databaseChanged);

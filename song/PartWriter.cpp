@@ -4,7 +4,6 @@
 #include "music/RandomSource.h"
 #include "part/RowRenderer.h"
 #include "song/BuzzNote.h"
-#include "song/SongWriter.h"
 
 #include <algorithm>
 #include <numeric>
@@ -137,8 +136,6 @@ public:
     PartWriteResult run();
 
 private:
-    PartWriteResult writeAll();
-    void keepSequencesReadable();
     PartWriteResult fail(std::string message)
     {
         m_result.status = PartWriteStatus::Failed;
@@ -300,26 +297,6 @@ bool Writer::sortAndRenumber()
 }
 
 PartWriteResult Writer::run()
-{
-    PartWriteResult result = writeAll();
-    if (result.status != PartWriteStatus::NothingToDo)
-        keepSequencesReadable();
-    return result;
-}
-
-void Writer::keepSequencesReadable()
-{
-    // Past 112 patterns the song writer stores every value of the machine in two bytes; the
-    // sequence headers must say so, or the saved song could not be read again.
-    if (m_song.patternCount(m_machine) <= SongWriter::kMaxPatternsForByteValues)
-        return;
-    for (std::size_t s : m_song.sequencesOf(m_machine)) {
-        if (!m_song.sequences()[s].events.empty())
-            m_song.sequences()[s].eventWidth = 2;
-    }
-}
-
-PartWriteResult Writer::writeAll()
 {
     if (m_part.count() == 0 || m_machine >= m_song.machineCount() ||
         m_machine >= m_song.patternBlocks().size())

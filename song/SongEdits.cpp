@@ -38,10 +38,12 @@ bool trackHasNote(const BuzzSong& song, std::size_t machine, std::size_t pattern
 
 } // namespace
 
-void removeMachine(BuzzSong& song, std::size_t machine)
+music::Result removeMachine(BuzzSong& song, std::size_t machine)
 {
     if (machine >= song.machineCount())
-        return;
+        return music::Result::failure("The song has no machine " + std::to_string(machine) + ".");
+    if (song.machines()[machine].isMaster())
+        return music::Result::failure(kMasterCannotBeRemoved);
     const std::string name = song.machines()[machine].name;
 
     const std::string indexCode(1, static_cast<char>(machine & 0xFF));
@@ -111,6 +113,7 @@ void removeMachine(BuzzSong& song, std::size_t machine)
         if (s.machine > machine)
             --s.machine;
     }
+    return music::Result::success();
 }
 
 void removePattern(BuzzSong& song, std::size_t machine, std::size_t pattern)

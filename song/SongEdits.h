@@ -1,5 +1,6 @@
 #pragma once
 
+#include "music/Result.h"
 #include "song/BuzzSong.h"
 
 #include <cstddef>
@@ -14,13 +15,19 @@ namespace song {
  * Machine indices out of range make these do nothing.
  */
 
+/** Why the master stays: every song needs the machine that all sound ends in. */
+inline constexpr const char* kMasterCannotBeRemoved =
+    "The master cannot be removed: every song needs it, all sound ends there.";
+
 /**
  * Removes machine `machine` and what refers to it: MIDI bindings whose name is the single
  * character with the index's low byte as code (how the program has always matched them), its
  * parameter set and parameter window (by name), its pattern block and the input blocks fed by it,
  * its connections, and its sequences. Higher machine indices move down by one everywhere.
+ * The master is refused with kMasterCannotBeRemoved and an index out of range with a message;
+ * the song is then unchanged.
  */
-void removeMachine(BuzzSong& song, std::size_t machine);
+music::Result removeMachine(BuzzSong& song, std::size_t machine);
 
 /** Removes pattern j: its sequence events go, higher pattern references move down by one. */
 void removePattern(BuzzSong& song, std::size_t machine, std::size_t pattern);

@@ -205,6 +205,26 @@ std::vector<WaveEntry> parseWaves(const std::vector<std::uint8_t>& table)
     return waves;
 }
 
+/** Whether a song's parameter set lays out its rows as the database entry does. */
+bool sameLayout(const MachineParameterSet& set, const MachineDatabaseEntry& entry)
+{
+    if (set.parameters.size() != entry.parameters.size())
+        return false;
+    for (std::size_t i = 0; i < set.parameters.size(); ++i) {
+        const bool global = i < set.globalCount;
+        if (set.parameters[i].type != entry.parameters[i].type ||
+            global != entry.parameters[i].isGlobal())
+            return false;
+    }
+    return true;
+}
+
+std::string describe(const SongMachine& machine)
+{
+    return machine.name + " (" + (machine.isMaster() ? std::string("Master") : machine.dllName) +
+           ")";
+}
+
 } // namespace
 
 /** One read: the cursor, the song being built and the lazily parsed PARA of the song. */
@@ -225,6 +245,14 @@ private:
     music::Result readMachines();
     music::Result readMachine(SongMachine& machine);
     music::Result resolve(SongMachine& machine);
+    music::Result learn(SongMachine& machine, const MachineParameterSet& set);
+    void useSongDescription(SongMachine& machine, const MachineParameterSet& set);
+    music::Result checkSectionEnd(const SectionEntry& entry, int code, const std::string& what);
+    std::string rescanHint() const;
+    void noteEnd(const SectionEntry& entry)
+    {
+        m_parsed.push_back({entry.name, std::uint64_t{entry.offset} + entry.size, m_c.position()});
+    }
     music::Result readSequences();
     music::Result readMidi();
     music::Result readParameterWindows();
@@ -232,6 +260,7 @@ private:
     music::Result readRaw(const SectionEntry& entry, std::vector<std::uint8_t>& out);
     const MachineParameterSet* songParameterSet(const std::string& machineName);
     std::uint16_t peekTrackCount(const MachineParameterSet& set);
+    std::uint16_t peekPatternTrackCount();
 
     SongReader& m_reader;
     std::string_view m_data;
@@ -239,6 +268,8 @@ private:
     BuzzSong m_song;
     std::size_t m_searched = 0; // directory entries the sections are looked up in
     std::optional<std::vector<MachineParameterSet>> m_songSets;
+    std::vector<ParsedSection> m_parsed;
+    std::vector<std::string> m_unconfirmed;    // machines read by a layout the song doesn't confirm
     std::shared_ptr<const std::string> m_file; // m_data's owner when the wave data may stay in it
 };
 
@@ -320,53 +351,138 @@ std::uint16_t SongReader::Parser::peekTrackCount(const MachineParameterSet& set)
     return tracks;
 }
 
+std::uint16_t SongReader::Parser::peekPatternTrackCount()
+{
+    // The block of the machine being read follows those of the machines read before it, whose
+    // row sizes are known by now.
+    const SectionEntry* patt = section("PATT");
+    Cursor c(m_data);
+    if (patt == nullptr || !c.seek(patt->offset))
+        return 0;
+    const std::size_t target = m_song.machineCount();
+    for (std::size_t m = 0;; ++m) {
+        std::uint16_t patterns = 0;
+        std::uint16_t tracks = 0;
+        if (!c.u16(patterns) || !c.u16(tracks))
+            return 0;
+        if (m == target)
+            return tracks;
+        const SongMachine& machine = m_song.machines()[m];
+        const std::uint64_t inputs = m_song.inputsOf(m).size();
+        for (std::uint16_t p = 0; p < patterns; ++p) {
+            std::string name;
+            std::uint16_t rows = 0;
+            if (!c.string(name) || !c.u16(rows))
+                return 0;
+            const std::uint64_t bytes = inputs * (std::uint64_t{rows} * 4 + 2) +
+                                        std::uint64_t{rows} * machine.globalRowSize +
+                                        std::uint64_t{rows} * machine.trackRowSize * tracks;
+            if (bytes > c.remaining() || !c.seek(c.position() + bytes))
+                return 0;
+        }
+    }
+}
+
+music::Result SongReader::Parser::learn(SongMachine& machine, const MachineParameterSet& set)
+{
+    // The track range is the song's evidence: the tracks the machine and its patterns use.
+    const std::uint16_t tracks = std::max(peekTrackCount(set), peekPatternTrackCount());
+    std::optional<MachineDatabaseEntry> entry = entryFromParameterSet(set, machine.type, tracks);
+    if (!entry)
+        return fail(Code::kUnknownMachine, unknownMachineMessage(machine.name, machine.dllName));
+    entry->dllName = machine.isMaster() ? std::string("Master") : machine.dllName;
+    entry->shortName = entry->dllName + std::string(MachineDatabaseEntry::kLearnedMark);
+    if (const music::Result learned = m_reader.m_catalog.learn(*entry); !learned)
+        return fail(Code::kUnknownMachine, learned.message());
+    return music::Result::success();
+}
+
+void SongReader::Parser::useSongDescription(SongMachine& machine, const MachineParameterSet& set)
+{
+    std::optional<MachineDatabaseEntry> own =
+        entryFromParameterSet(set, machine.description.type, 0);
+    if (!own)
+        return;
+    // Only the layout comes from the song; names, kind and track range stay the database's.
+    own->dllName = machine.description.dllName;
+    own->shortName = machine.description.shortName;
+    own->minTracks = machine.description.minTracks;
+    own->maxTracks = machine.description.maxTracks;
+    machine.description = std::move(*own);
+    m_reader.m_warnings.push_back(parameterMismatchWarning(machine.name, machine.dllName));
+}
+
 music::Result SongReader::Parser::resolve(SongMachine& machine)
 {
     MachineCatalog& catalog = m_reader.m_catalog;
     UnknownMachineHandler* handler = m_reader.m_handler;
     const std::string key = machine.isMaster() ? std::string("Master") : machine.dllName;
     const std::string message = unknownMachineMessage(machine.name, machine.dllName);
+    const MachineParameterSet* set = songParameterSet(machine.name);
 
+    // A machine the song describes is offered for learning first; declined, it is offered for a
+    // DLL scan like any other unknown machine.
     std::size_t index = catalog.findByDllName(key);
-    bool learnOffered = false;
+    bool learnOffered = set == nullptr;
     int scans = 0;
     while (index == MachineDatabase::kNotFound) {
-        if (const MachineParameterSet* set = songParameterSet(machine.name)) {
-            if (learnOffered || handler == nullptr ||
-                !handler->learnFromSong(machine.name, machine.dllName))
-                return fail(Code::kUnknownMachine, message);
+        if (handler == nullptr)
+            return fail(Code::kUnknownMachine, message);
+        if (!learnOffered) {
             learnOffered = true;
-            std::optional<MachineDatabaseEntry> entry =
-                entryFromParameterSet(*set, machine.type, peekTrackCount(*set));
-            if (!entry)
-                return fail(Code::kUnknownMachine, message);
-            entry->dllName = key;
-            const music::Result learned = catalog.learn(*entry);
-            if (!learned)
-                return fail(Code::kUnknownMachine, learned.message());
-        } else {
-            if (handler == nullptr || scans >= kMaxScanAttempts)
-                return fail(Code::kUnknownMachine, message);
-            const std::optional<std::filesystem::path> dll = handler->chooseDllToScan(message);
-            if (!dll)
-                return fail(Code::kUnknownMachine, message);
-            ++scans;
-            bool changed = false;
-            const music::Result scanned = catalog.scanDll(*dll, changed);
-            if (!scanned) {
-                handler->scanFailed(scanned);
-                return fail(Code::kUnknownMachine, message);
+            if (handler->learnFromSong(machine.name, machine.dllName)) {
+                if (music::Result learned = learn(machine, *set); !learned)
+                    return learned;
+                index = catalog.findByDllName(key);
+                continue;
             }
+        }
+        if (scans >= kMaxScanAttempts)
+            return fail(Code::kUnknownMachine, message);
+        const std::optional<std::filesystem::path> dll = handler->chooseDllToScan(message);
+        if (!dll)
+            return fail(Code::kUnknownMachine, message);
+        ++scans;
+        bool changed = false;
+        const music::Result scanned = catalog.scanDll(*dll, changed);
+        if (!scanned) {
+            handler->scanFailed(scanned);
+            return fail(Code::kUnknownMachine, message);
         }
         index = catalog.findByDllName(key);
     }
 
-    const MachineDatabaseEntry& entry = catalog.entry(index);
     machine.databaseIndex = index;
-    machine.globalRowSize = entry.globalRowSize;
-    machine.trackRowSize = entry.trackRowSize;
-    machine.description = entry;
+    machine.description = catalog.entry(index);
+    if (set == nullptr)
+        m_unconfirmed.push_back(describe(machine));
+    else if (!sameLayout(*set, machine.description))
+        useSongDescription(machine, *set);
+    machine.globalRowSize = machine.description.globalRowSize;
+    machine.trackRowSize = machine.description.trackRowSize;
     return music::Result::success();
+}
+
+std::string SongReader::Parser::rescanHint() const
+{
+    if (m_unconfirmed.empty())
+        return "The song may be damaged.";
+    std::string hint = "Scan the DLLs of these machines again:";
+    for (const std::string& machine : m_unconfirmed)
+        hint += "\n" + machine;
+    return hint;
+}
+
+music::Result SongReader::Parser::checkSectionEnd(const SectionEntry& entry, int code,
+                                                  const std::string& what)
+{
+    const std::uint64_t start = entry.offset;
+    if (m_c.position() == start + entry.size)
+        return music::Result::success();
+    return fail(code, "The " + what + " of the song do not match machines.ini: the " + entry.name +
+                          " section holds " + std::to_string(entry.size) +
+                          " bytes, but they take " + std::to_string(m_c.position() - start) +
+                          ".\n" + rescanHint());
 }
 
 music::Result SongReader::Parser::readMachine(SongMachine& m)
@@ -563,6 +679,7 @@ music::Result SongReader::Parser::run(BuzzSong& song)
         m_c.seekClamped(conn->offset);
         if (music::Result r = readConnections(); !r)
             return r;
+        noteEnd(*conn);
     }
     if (music::Result r = m_reader.m_catalog.loadDatabase(); !r)
         return r;
@@ -571,26 +688,35 @@ music::Result SongReader::Parser::run(BuzzSong& song)
             return fail(Code::kMachineSeek);
         if (music::Result r = readMachines(); !r)
             return r;
+        if (music::Result r = checkSectionEnd(*mach, Code::kMachineRecord, "machines"); !r)
+            return r;
+        noteEnd(*mach);
     }
     if (const SectionEntry* sequ = section("SEQU")) {
         m_c.seekClamped(sequ->offset);
         if (music::Result r = readSequences(); !r)
             return r;
+        noteEnd(*sequ);
     }
     if (const SectionEntry* midi = section("MIDI")) {
         m_c.seekClamped(midi->offset);
         if (music::Result r = readMidi(); !r)
             return r;
+        noteEnd(*midi);
     }
     if (const SectionEntry* pdlg = section("PDLG")) {
         m_c.seekClamped(pdlg->offset);
         if (music::Result r = readParameterWindows(); !r)
             return r;
+        noteEnd(*pdlg);
     }
     if (const SectionEntry* patt = section("PATT")) {
         m_c.seekClamped(patt->offset);
         if (music::Result r = readPatterns(); !r)
             return r;
+        if (music::Result r = checkSectionEnd(*patt, Code::kPatternRows, "patterns"); !r)
+            return r;
+        noteEnd(*patt);
     } else {
         // A song without patterns still gets one empty block per machine.
         for (const SongMachine& machine : m_song.machines())
@@ -601,11 +727,13 @@ music::Result SongReader::Parser::run(BuzzSong& song)
         std::string version;
         if (m_c.string(version))
             m_song.setVersionText(std::move(version));
+        noteEnd(*bver);
     }
     if (const SectionEntry* para = section("PARA")) {
         m_c.seekClamped(para->offset);
         if (music::Result r = parseParameterSets(m_c, m_song.parameterSets()); !r)
             return r;
+        noteEnd(*para);
     }
     if (const SectionEntry* wavt = section("WAVT")) {
         std::vector<std::uint8_t> table;
@@ -645,11 +773,14 @@ music::Result SongReader::Parser::run(BuzzSong& song)
         m_song.rawSections().push_back(std::move(raw));
     }
     song = std::move(m_song);
+    m_reader.m_parsedSections = std::move(m_parsed);
     return music::Result::success();
 }
 
 music::Result SongReader::readBytes(std::string_view bytes, BuzzSong& song)
 {
+    m_warnings.clear();
+    m_parsedSections.clear();
     try {
         Parser parser(*this, bytes, nullptr);
         return parser.run(song);
@@ -660,6 +791,8 @@ music::Result SongReader::readBytes(std::string_view bytes, BuzzSong& song)
 
 music::Result SongReader::readShared(std::shared_ptr<const std::string> bytes, BuzzSong& song)
 {
+    m_warnings.clear();
+    m_parsedSections.clear();
     if (!bytes)
         return fail(Code::kHeader);
     try {
@@ -690,7 +823,7 @@ SongReader::entryFromParameterSet(const MachineParameterSet& set, std::uint8_t t
 {
     MachineDatabaseEntry entry;
     entry.dllName = set.dllName;
-    entry.shortName = set.dllName;
+    entry.shortName = set.dllName + std::string(MachineDatabaseEntry::kLearnedMark);
     entry.type = type;
     std::size_t globalRow = 0;
     std::size_t trackRow = 0;
@@ -718,14 +851,17 @@ SongReader::entryFromParameterSet(const MachineParameterSet& set, std::uint8_t t
     entry.globalParameterCount = static_cast<std::uint16_t>(globals);
     entry.trackParameterCount = static_cast<std::uint16_t>(tracks);
     entry.totalParameterCount = static_cast<std::uint16_t>(entry.parameters.size());
-    if (tracks > 0) {
-        entry.minTracks = 1;
-        entry.maxTracks = std::max<std::uint16_t>(64, tracksInSong);
-    } else {
-        entry.minTracks = 0;
-        entry.maxTracks = tracksInSong;
-    }
+    entry.minTracks = tracks > 0 ? 1 : 0;
+    entry.maxTracks = tracks > 0 ? std::max<std::uint16_t>(1, tracksInSong) : tracksInSong;
     return entry;
+}
+
+std::string SongReader::parameterMismatchWarning(const std::string& name,
+                                                 const std::string& dllName)
+{
+    return "machines.ini describes the parameters of machine " + name + " (" + dllName +
+           ") differently from the song; the song's own descriptions are used.\nScan the "
+           "machine's DLL again to bring machines.ini up to date.";
 }
 
 std::string SongReader::unknownMachineMessage(const std::string& name, const std::string& dllName)

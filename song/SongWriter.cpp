@@ -228,18 +228,15 @@ music::Result Writer::sequences()
             return fail(Code::kWriteSequence);
         if (count == 0)
             continue;
-        if (!m_out.u8(s.positionWidth) || !m_out.u8(s.eventWidth))
+        const std::uint8_t positionWidth = SongWriter::positionWidth(s);
+        const std::uint8_t valueWidth = SongWriter::valueWidth(m_song, s);
+        if (!m_out.u8(positionWidth) || !m_out.u8(valueWidth))
             return fail(Code::kWriteSequence);
-        if (s.positionWidth == 0 || s.eventWidth == 0)
-            continue;
-        // The value width follows the machine's pattern count, not the header byte above.
-        const bool wideValues =
-            m_song.patternCount(s.machine) > SongWriter::kMaxPatternsForByteValues;
         for (const SequenceEvent& e : s.events) {
-            const bool ok =
-                (s.positionWidth == 1 ? m_out.u8(static_cast<std::uint8_t>(e.position))
-                                      : m_out.u16(e.position)) &&
-                (wideValues ? m_out.u16(e.value) : m_out.u8(static_cast<std::uint8_t>(e.value)));
+            const bool ok = (positionWidth == 1 ? m_out.u8(static_cast<std::uint8_t>(e.position))
+                                                : m_out.u16(e.position)) &&
+                            (valueWidth == 2 ? m_out.u16(e.value)
+                                             : m_out.u8(static_cast<std::uint8_t>(e.value)));
             if (!ok)
                 return fail(Code::kWriteSequenceEvent);
         }
@@ -330,6 +327,22 @@ music::Result Writer::run()
 }
 
 } // namespace
+
+std::uint8_t SongWriter::positionWidth(const SongSequence& sequence)
+{
+    const bool wide = std::any_of(sequence.events.begin(), sequence.events.end(),
+                                  [](const SequenceEvent& e) { return e.position > 0xFF; });
+    return sequence.positionWidth == 2 || wide ? 2 : 1;
+}
+
+std::uint8_t SongWriter::valueWidth(const BuzzSong& song, const SongSequence& sequence)
+{
+    if (song.patternCount(sequence.machine) > kMaxPatternsForByteValues)
+        return 2;
+    const bool wide = std::any_of(sequence.events.begin(), sequence.events.end(),
+                                  [](const SequenceEvent& e) { return e.value > 0xFF; });
+    return wide ? 2 : 1;
+}
 
 music::Result SongWriter::write(const BuzzSong& song, const std::filesystem::path& path)
 {

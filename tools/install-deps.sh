@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages listed in tools/debian-packages.txt that are not installed yet.
-# Uses sudo when not run as root. Does nothing when everything is already there.
+# Uses sudo when not run as root. Does nothing when everything is already there. Needs nothing but
+# bash, coreutils, grep, dpkg and apt-get, so it is the first command on a fresh machine, before
+# `make` itself is installed.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 list="$here/debian-packages.txt"
@@ -19,6 +21,10 @@ done <"$list"
 
 sudo=""
 if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+        echo "install-deps: installing ${missing[*]} needs root: run this as root, or install sudo" >&2
+        exit 1
+    fi
     sudo="sudo"
 fi
 echo "Installing missing packages: ${missing[*]}"

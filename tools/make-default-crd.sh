@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Regenerates data/default.crd from data/default.ccl and data/default.scl: "Generate List" over
 # the shipped chord types plus the base group "Scales" of the shipped database. Run it after
-# changing either file; a unit test fails while the shipped database is stale.
+# changing either file; a unit test fails while the shipped database is stale. The build target
+# regenerate-defaults runs it together with the writer of the default part and presets.
 #   tools/make-default-crd.sh [path/to/tonalmancer-cli]
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"

@@ -139,7 +139,7 @@ void PartPlayer::stop()
 void PartPlayer::send(const midi::StepMessage& message)
 {
     sendPacked(midi::ShortMessage::pack(static_cast<std::uint8_t>(message.status & 0xF0),
-                                        message.channel(), message.note, message.deviceVelocity()));
+                                        message.channel(), message.note, message.velocityByte()));
 }
 
 void PartPlayer::sendPacked(std::uint32_t packed)

@@ -61,8 +61,9 @@ public:
     ~PartPlayer() override;
 
     /**
-     * Device, port, channel, program, velocity and program table. While playing, channel and
-     * velocity changes take effect on the following messages.
+     * Device, port, channel, program, velocity and program table. While playing, a velocity
+     * change takes effect on the following messages and a channel change on the notes started
+     * afterwards; notes already sounding end on the channel they started on.
      */
     void setSettings(const midi::MidiSettings& settings);
     /** The settings, with each playback's program stored into the program table. */

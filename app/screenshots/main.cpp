@@ -26,11 +26,15 @@
 #include <QApplication>
 #include <QDir>
 #include <QMenu>
+#include <QPalette>
+#include <QPixmapCache>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <QToolBar>
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -81,6 +85,25 @@ int main(int argc, char* argv[])
         QStringLiteral("maj"), QString());
     settle();
     save(frame, folder, QStringLiteral("main-window"));
+
+    // The toolbar on the default (light) palette and on a dark one: its icons must read on both.
+    save(*frame.toolBar(), folder, QStringLiteral("toolbar"));
+    const QPalette light = QApplication::palette();
+    QPalette dark;
+    for (const auto& [role, color] : {std::pair{QPalette::Window, QColor(0x2b, 0x2b, 0x2b)},
+                                      std::pair{QPalette::Button, QColor(0x35, 0x35, 0x35)},
+                                      std::pair{QPalette::Base, QColor(0x1e, 0x1e, 0x1e)},
+                                      std::pair{QPalette::WindowText, QColor(0xe6, 0xe6, 0xe6)},
+                                      std::pair{QPalette::ButtonText, QColor(0xe6, 0xe6, 0xe6)},
+                                      std::pair{QPalette::Text, QColor(0xe6, 0xe6, 0xe6)}})
+        dark.setColor(role, color);
+    dark.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x80, 0x80, 0x80));
+    // Disabled icons are generated from the palette and cached; start them afresh.
+    QPixmapCache::clear();
+    QApplication::setPalette(dark);
+    save(*frame.toolBar(), folder, QStringLiteral("toolbar-dark"));
+    QPixmapCache::clear();
+    QApplication::setPalette(light);
 
     QMenu* treeMenu = view.contextMenu("chordTree");
     treeMenu->popup(chords.tree()->mapToGlobal(QPoint(120, 120)));

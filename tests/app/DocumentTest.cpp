@@ -72,10 +72,19 @@ TEST_F(Document, AnUnknownGeneratorIsLearntFromTheSongOnlyWhenTheUserAgrees)
     file.close();
     const QByteArray databaseBefore = readAll(m_data.file(QStringLiteral("machines.ini")));
 
+    // Declined, the machine's DLL is asked for next; the user cancels that too.
+    int asked = 0;
+    app::CUnknownMachineDialogs::setFileChooser([&](QWidget*, const QString&) {
+        ++asked;
+        return QString();
+    });
     m_messages.queueAnswer(QMessageBox::No);
     EXPECT_FALSE(frame().openSong(path));
+    app::CUnknownMachineDialogs::setFileChooser({});
+    EXPECT_EQ(asked, 1);
     ASSERT_EQ(m_messages.texts().size(), 3); // the question, the reader's text, the code
     EXPECT_TRUE(m_messages.texts()[0].contains(QStringLiteral("NoSuchMach Dynamite 6")));
+    EXPECT_TRUE(m_messages.texts()[1].startsWith(QStringLiteral("machine unknown\n")));
     EXPECT_EQ(m_messages.texts().last(), QStringLiteral("Error loading file \n Code:\t26"));
     EXPECT_EQ(readAll(m_data.file(QStringLiteral("machines.ini"))), databaseBefore);
 
@@ -89,6 +98,26 @@ TEST_F(Document, AnUnknownGeneratorIsLearntFromTheSongOnlyWhenTheUserAgrees)
     m_messages.clear();
     ASSERT_TRUE(frame().openSong(path)); // learnt once, known from then on
     EXPECT_TRUE(m_messages.texts().isEmpty());
+}
+
+TEST_F(Document, AMachineTheDatabaseMisdescribesIsReadAsTheSongDescribesItWithAWarning)
+{
+    // machines.ini loses the generator's track parameter "Volume"; the default song describes it.
+    const QString ini = m_data.file(QStringLiteral("machines.ini"));
+    QByteArray bytes = readAll(ini);
+    const QByteArray counts = "MadBrain's Dynamite 6\nDynamite6\n1\n1\n32\n";
+    ASSERT_TRUE(bytes.contains(counts + "27\n25\n2\n44\n2\n"));
+    bytes.replace(counts + "27\n25\n2\n44\n2\n", counts + "26\n25\n1\n44\n1\n");
+    bytes.replace("Volume\n1\nt\n2\n255\n128\nM4\n", "M4\n");
+    QFile file(ini);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    file.close();
+
+    ASSERT_TRUE(frame().loadDefaultSong());
+    ASSERT_EQ(document().readWarnings().size(), 1);
+    EXPECT_TRUE(document().readWarnings()[0].contains(QStringLiteral("Dynamite6")));
+    EXPECT_EQ(document().song()->machines()[1].trackRowSize, 2);
 }
 
 TEST_F(Document, UnknownMachineWithoutDescriptionAsksForItsDll)

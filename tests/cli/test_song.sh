@@ -64,6 +64,13 @@ expect_in err "please scan your gear-directory"
 expect_in err "Code:	26"
 [ -s "$WORK/out" ] && fail "a failed load printed a song"
 
+# Without --learn a machine the song describes is offered for a DLL scan all the same.
+mkdir -p "$WORK/gear/generators"
+echo "plain text" >"$WORK/gear/generators/ErsKick.dll"
+run 1 song-info "$SONG" --data "$DATA" --scan-dll "$WORK/gear/generators/ErsKick.dll"
+expect_in err "Unable to load library"
+expect_in err "Code:	26"
+
 # With --learn the machines are learned from the song and stay known.
 run 0 song-info "$SONG" --data "$DATA" --learn
 expect_in out "Machines:"
@@ -100,6 +107,9 @@ expect_in out "\"ErsHihat\""
 run 1 remove-machine "$SONG" NoSuchMachine -o "$WORK/x.bmx" --data "$DATA"
 expect_in err "NoSuchMachine"
 [ -e "$WORK/x.bmx" ] && fail "a failed removal wrote a file"
+run 1 remove-machine "$SONG" Master -o "$WORK/x.bmx" --data "$DATA"
+expect_in err "The master cannot be removed"
+[ -e "$WORK/x.bmx" ] && fail "removing the master wrote a file"
 
 # Remove patterns.
 run 0 remove-patterns "$SONG" ErsKick --all --output "$WORK/nopatterns.bmx" --data "$DATA"

@@ -60,6 +60,60 @@ patterns_of patterns Dynamite6
 printf '%s\n' "Am 16" "C 16" "Cmaj7 32" "Dm7 16" "F 16" "G 16" "G7 16" >"$WORK/expected"
 diff -u "$WORK/expected" "$WORK/patterns" || fail "default song: patterns of Dynamite6 differ"
 
+# machines.ini without the generator's track parameter "Volume": the song's own descriptions are
+# used, with a warning, and the copy is the same as with the right database.
+if command -v python3 >/dev/null; then
+    mkdir -p "$WORK/misfit"
+    python3 - "$SHIPPED/machines.ini" "$WORK/misfit/machines.ini" <<'EOF2'
+import sys
+text = open(sys.argv[1]).read()
+head = "MadBrain's Dynamite 6\nDynamite6\n1\n1\n32\n"
+assert head + "27\n25\n2\n44\n2\n" in text
+text = text.replace(head + "27\n25\n2\n44\n2\n", head + "26\n25\n1\n44\n1\n")
+text = text.replace("Volume\n1\nt\n2\n255\n128\nM4\n", "M4\n")
+open(sys.argv[2], "w").write(text)
+EOF2
+    run 0 song-copy "$SHIPPED/default.bmx" "$WORK/misfit.bmx" --data "$WORK/misfit"
+    expect_in err "describes the parameters of machine Dynamite6 (MadBrain's Dynamite 6) differently"
+    run 0 song-copy "$SHIPPED/default.bmx" "$WORK/fit.bmx" --data "$SHIPPED_DATA"
+    cmp -s "$WORK/misfit.bmx" "$WORK/fit.bmx" || fail "a misdescribed machine changed the copy"
+fi
+
+# Past 112 patterns a sequence stores its values in two bytes, below in one; the header must
+# follow the pattern count both ways. 17 appends give 119 patterns, then removals go back below.
+cp "$SHIPPED/default.bmx" "$WORK/many.bmx"
+for i in $(seq 17); do
+    run 0 write-part --part "$SHIPPED/default.prt" --song "$WORK/many.bmx" --machine Dynamite6 \
+        -o "$WORK/many.bmx" --append --sequence --data "$SHIPPED_DATA"
+done
+# sequence_names FILE: the pattern each sequence event of Dynamite6 plays, "position name" a line.
+sequence_names() {
+    run 0 song-info "$1" --json --data "$SHIPPED_DATA"
+    python3 -c '
+import json, sys
+d = json.load(open(sys.argv[1]))
+m = [i for i, x in enumerate(d["machines"]) if x["name"] == "Dynamite6"][0]
+patterns = d["machines"][m]["patterns"]
+for s in d["sequences"]:
+    if s["machine"] == m:
+        for e in s["events"]:
+            v = e["value"]
+            print(e["position"], patterns[v - 16]["name"] if v >= 16 else v)
+' "$WORK/out"
+}
+if command -v python3 >/dev/null; then
+    sequence_names "$WORK/many.bmx" >"$WORK/many.seq"
+    [ "$(wc -l <"$WORK/many.seq")" = 7 ] || fail "119 patterns: the sequence reads $(cat "$WORK/many.seq")"
+    run 0 remove-patterns "$WORK/many.bmx" Dynamite6 --unused -o "$WORK/fewer.bmx" --data "$SHIPPED_DATA"
+    sequence_names "$WORK/fewer.bmx" >"$WORK/fewer.seq"
+    diff -u "$WORK/many.seq" "$WORK/fewer.seq" || fail "--unused below 112 changed what the sequence plays"
+    # The sequence plays patterns 0 to 6: removing 7 to 14 leaves 111.
+    run 0 remove-patterns "$WORK/many.bmx" Dynamite6 $(printf -- '--index %s ' $(seq 7 14)) \
+        -o "$WORK/fewer.bmx" --data "$SHIPPED_DATA"
+    sequence_names "$WORK/fewer.bmx" >"$WORK/fewer.seq"
+    diff -u "$WORK/many.seq" "$WORK/fewer.seq" || fail "--index down to 111 patterns changed what the sequence plays"
+fi
+
 if [ ! -f "$SONG" ]; then
     finish
     echo "SKIP: the default song passed; no song corpus for the rest (set TM_SONG_CORPUS); $SONG is missing"

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+
 #include <string>
 #include <tuple>
 #include <vector>
@@ -146,8 +149,8 @@ TEST(MidiFileExporter, RefusesWhatCannotMakeAFileWithTheMessageForIt)
     const part::Part p = makePart({part::Pattern()}, {makeChord({0}, 4), makeChord({0}, 4)});
     const part::Part empty = part::Part::makeNew();
     part::Part tooLong = makePart({part::Pattern()}, {});
-    for (int i = 0; i < 12000; ++i)
-        tooLong.append(makeChord({0}, 255)); // 3,060,000 steps of 96 ticks: beyond 28 bits
+    for (int i = 0; i < 44000; ++i)
+        tooLong.append(makeChord({0}, 64)); // 2,816,000 steps of 96 ticks: beyond 28 bits
     const std::string slow = "Beats per minute must be at least 4 to be written to a MIDI file.";
     const std::vector<std::tuple<const part::Part*, MidiExportOptions, std::string>> cases = {
         {&empty, options(4), "The part has no chords."},
@@ -167,22 +170,29 @@ TEST(MidiFileExporter, RefusesWhatCannotMakeAFileWithTheMessageForIt)
     }
 }
 
-TEST(MidiFileExporter, VelocityAbove127IsStoredAsItIsOnceThenLoweredTo127)
+TEST(MidiFileExporter, VelocitiesOutsideADataByteAreClampedAndASettingAbove127IsLowered)
 {
+    // The velocity setting and the velocity byte of the closing note off. The note on follows
+    // the rule V - r (one message), which 128 and 1 take out of a data byte's 1..127; 128 is
+    // used once and then lowered to 127.
+    const std::vector<std::array<int, 2>> cases = {{128, 126}, {1, 0}, {80, 79}};
     const part::Part p = makePart({makePattern({chordNote(0, 0, 0)})}, {makeChord({0}, 2)});
-    music::RandomSource::seed(3);
-    const int r = music::RandomSource::random(3);
-    music::RandomSource::seed(3);
-    MidiExportOptions o = options(4);
-    o.velocity = 128;
-    MidiFile file;
-    MidiFileExporter exporter(o);
-    ASSERT_TRUE(exporter.build(p, file).ok());
-    EXPECT_EQ(exporter.options().velocity, 127) << "the caller keeps this as its setting";
+    for (const auto& [velocity, off] : cases) {
+        music::RandomSource::seed(3);
+        const int r = music::RandomSource::random(3);
+        music::RandomSource::seed(3);
+        MidiExportOptions o = options(4);
+        o.velocity = velocity;
+        MidiFile file;
+        MidiFileExporter exporter(o);
+        ASSERT_TRUE(exporter.build(p, file).ok());
+        EXPECT_EQ(exporter.options().velocity, std::min(velocity, 127)) << "kept as the setting";
 
-    const auto tracks = readTracks(file.toBytes());
-    ASSERT_EQ(tracks.size(), 2u);
-    ASSERT_EQ(tracks[1].size(), 4u); // name, on, off, end
-    EXPECT_EQ(tracks[1][1], (ReadEvent{0, 0x90, {60, std::uint8_t(128 - r)}})) << "kept above 127";
-    EXPECT_EQ(tracks[1][2], (ReadEvent{48, 0x80, {60, 126}})) << "the closing note off: 127 - 1";
+        const auto tracks = readTracks(file.toBytes());
+        ASSERT_EQ(tracks.size(), 2u);
+        ASSERT_EQ(tracks[1].size(), 4u); // name, on, off, end
+        const auto on = static_cast<std::uint8_t>(std::clamp(velocity - r, 1, 127));
+        EXPECT_EQ(tracks[1][1], (ReadEvent{0, 0x90, {60, on}})) << velocity;
+        EXPECT_EQ(tracks[1][2], (ReadEvent{48, 0x80, {60, std::uint8_t(off)}})) << velocity;
+    }
 }

@@ -81,7 +81,9 @@ TEST(MidiEvent, WritesEveryKindWithItsStatus)
     const std::vector<std::pair<MidiEvent, Bytes>> cases = {
         {E::noteOn(0, E::packMessage(2, 60, 100)), {0x00, 0x92, 60, 100}},
         {E::noteOff(128, E::packMessage(15, 61, 79)), {0x81, 0x00, 0x8F, 61, 79}},
-        {E::noteOn(0, E::packMessage(0, 60, 128)), {0x00, 0x90, 60, 0x80}}, // velocity kept
+        // data bytes above 127 would read as status bytes: written as 127
+        {E::noteOn(0, E::packMessage(0, 60, 128)), {0x00, 0x90, 60, 0x7F}},
+        {E::noteOff(0, E::packMessage(1, 200, 255)), {0x00, 0x81, 0x7F, 0x7F}},
         {E::noteOn(0, E::packMessage(16, 1, 2)), {0x00, 0xA0, 1, 2}}, // channel 16 reaches 0xA0
         {E::tempo(0, 60000000 / 120), {0x00, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20}},
         {E::timeSignature(0, {4, 4, 24, 8}), {0x00, 0xFF, 0x58, 0x04, 0x04, 0x04, 0x18, 0x08}},

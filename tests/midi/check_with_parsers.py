@@ -49,7 +49,8 @@ DEMO_STEPS = [[], [("on", 3, 67)], [("on", 4, 55)], [("chance", 5, 60)],
 
 # The note events (absolute tick, kind, channel, note, velocity) of the note track, following
 # the writer's rules: per track a note off for a replaced or stopped note, then the note on;
-# velocity V - random(3) + n // 2 per message (V above 127 is used once, then 127); a silent
+# velocity V - random(3) + n // 2 per message (V above 127 is used once, then 127), stored
+# within 1..127 (0..127 for a note off) as a MIDI data byte must be; a silent
 # first step shifts everything after it by one step; the notes still sounding stop one step
 # after the last row with velocity V - 1.
 def expected_events(steps, seed, velocity, channel):
@@ -72,8 +73,9 @@ def expected_events(steps, seed, velocity, channel):
         time += (step - last_step) * 24 if step else 0  # 96 / TPB 4 ticks a step
         last_step = step
         for kind, note in messages:
-            events.append((time, kind, channel, note, velocity - 1 if actions is None
-                           else velocity - rng.random(3) + len(messages) // 2))
+            value = (velocity - 1 if actions is None
+                     else velocity - rng.random(3) + len(messages) // 2)
+            events.append((time, kind, channel, note, min(max(value, kind == "on"), 127)))
             velocity = min(velocity, 127)
     return events
 
@@ -176,16 +178,21 @@ def main():
         compare("midicsv", read_with_midicsv(path),
                 ([1, 2, 96], [[(0, "time_signature", 4, 4, 24, 8)] + tempo, note_track]))
 
-        # Chords 1..2 only, first step sounding, velocity 128 (stored once as it is), no tempo:
-        # every event sits one step earlier than above.
+        # Chords 1..2 only, first step sounding, velocity 128, no tempo: every event sits one
+        # step earlier than above. The rule gives the first note 127 or more, stored as 127;
+        # mido refuses a file with a data byte above 127.
         path = run_cli(cli, folder, "range", "--range", "1,2", "--channel", "9", "--velocity",
                        "128", "--seed", "77")
         notes = expected_events(DEMO_STEPS[4:], 77, 128, 9)
-        compare("range", read_with_midicsv(path), ([1, 2, 96], [
-            [(0, "time_signature", 4, 4, 24, 8), (168, "end")],
-            [TRACK_NAME] + notes + [(144, "end")]]))
-        compare("range: the first note uses 128, the closing note offs 127 - 1",
-                (notes[0][4], notes[-1][4]), (128 - pf.Random(77).random(3) + 1, 126))
+        tracks = [[(0, "time_signature", 4, 4, 24, 8), (168, "end")],
+                  [TRACK_NAME] + notes + [(144, "end")]]
+        compare("range", read_with_midicsv(path), ([1, 2, 96], tracks))
+        try:
+            compare("range: mido", read_with_mido(path)[1][1], tracks[1])
+        except (OSError, ValueError) as error:
+            compare("range: mido reads the file", str(error), "")
+        compare("range: the first note is stored as 127, the closing note offs 127 - 1",
+                (notes[0][4], notes[-1][4]), (127, 126))
 
         check_markers(cli, folder)
 

@@ -49,9 +49,13 @@ TEST(GenerateList, SortsByChordAndByNoteAndRemovesEmptyParts)
                                      {"none", "135"}}));
     const auto& groups = collection.baseGroups();
     ASSERT_EQ(namesOf(groups), (Names{"Sorted by chord", "Sorted by note"}));
-    EXPECT_EQ(namesOf(groups[0].sections), (Names{"Triads", "Ninths"}));
+    // The type of six intervals is never filed among the "Ninths": its chords have a section
+    // of their own, and their names say which interval they leave out.
+    EXPECT_EQ(namesOf(groups[0].sections), (Names{"Triads", "Ninths", "Cut to five notes"}));
     EXPECT_EQ(namesOf(groups[0].sections[0].subsections), (Names{"maj", "m"}));
     EXPECT_EQ(namesOf(groups[0].sections[1].subsections), (Names{"9"}));
+    EXPECT_EQ(namesOf(groups[0].sections[2].subsections), (Names{"13full"}));
+    EXPECT_EQ(groups[0].sections[2].subsections[0].chords[0].name, "C13full (no 13)");
     const auto& majors = groups[0].sections[0].subsections[0].chords;
     EXPECT_EQ(namesOf(majors), (Names{"Cmaj", "C#maj", "Dmaj", "D#maj", "Emaj", "Fmaj", "F#maj",
                                       "Gmaj", "G#maj", "Amaj", "A#maj", "Bmaj"}));
@@ -62,9 +66,34 @@ TEST(GenerateList, SortsByChordAndByNoteAndRemovesEmptyParts)
     const auto& d = groups[1].sections[2];
     EXPECT_FALSE(d.scaleFlag);
     ASSERT_EQ(namesOf(d.subsections), (Names{"triads", "ninths"}));
-    // More than five intervals: only the first five notes are kept.
-    ASSERT_EQ(namesOf(d.subsections[1].chords), (Names{"D9", "D13full"}));
+    // More than five intervals: only the first five notes are kept, and the name says so.
+    ASSERT_EQ(namesOf(d.subsections[1].chords), (Names{"D9", "D13full (no 13)"}));
     EXPECT_EQ(d.subsections[1].chords[1].slots, (std::array<NoteValue, 5>{2, 6, 9, 12, 16}));
+}
+
+TEST(GenerateList, NamesTheIntervalsThatAChordOfFiveSlotsLeavesOut)
+{
+    // Construction, the mark a chord's name gets, and the warning when such a type is defined.
+    const struct
+    {
+        const char* construction;
+        const char* mark;
+        const char* warning;
+    } cases[] = {
+        {"1;3;5;b7;9;", "", ""},
+        {"1;3;5;b7;9;11;13;", " (no 11, 13)",
+         "A chord holds five notes: the chords of this type leave out 11, 13 and are named with "
+         "\"(no 11, 13)\"."},
+        {"1;b3;b5;6;b9;#9th;", " (no #9th)",
+         "A chord holds five notes: the chords of this type leave out #9th and are named with "
+         "\"(no #9th)\"."},
+        {"1;3;5;b7;9;x;", "", ""}, // invalid: nothing to leave out
+    };
+    for (const auto& c : cases) {
+        const IntervalList intervals = IntervalList::parse(c.construction);
+        EXPECT_EQ(ChordCollection::droppedMark(intervals), c.mark) << c.construction;
+        EXPECT_EQ(ChordCollection::droppedWarning(intervals), c.warning) << c.construction;
+    }
 }
 
 TEST(GenerateList, LeavesNothingFromAnEmptyOrUselessList)
@@ -112,7 +141,8 @@ TEST(ChordListFile, WritesTheFormatLineByLineAndRoundTripsByteForByte)
     EXPECT_EQ(collection.toBytes(), expected);
 
     // A generated list with a scale group reads back to the same tree and the same bytes.
-    collection.generateList(typesOf({{"5", "1;5;"}, {"m7", "1;b3;5;b7;"}, {"maj", "1;3;5;"}}));
+    collection.generateList(typesOf(
+        {{"5", "1;5;"}, {"m7", "1;b3;5;b7;"}, {"maj", "1;3;5;"}, {"13", "1;3;5;b7;9;11;13;"}}));
     std::array<bool, 12> ticks{};
     ticks[0] = ticks[3] = ticks[7] = true;
     ASSERT_TRUE(collection.addScaleGroup(1, "C minor triad", ticks, 0, true).ok());

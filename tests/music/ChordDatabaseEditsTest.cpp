@@ -98,3 +98,47 @@ TEST(ChordDatabaseEdits, ForbiddenNotesRemoveChordsAndMakeAScaleGroup)
     EXPECT_TRUE(c.baseGroups()[0].sections[0].scaleFlag);
     EXPECT_EQ(c.baseGroups()[0].sections[0].notes, (std::vector<NoteValue>{0, 2, 4, 7, 9, 11}));
 }
+
+TEST(ChordDatabaseEdits, GenerationKeepsToTheScaleByEachChordsOwnRoot)
+{
+    // A type named "#5" makes "C#5" on C: the root must come from the generator, not the name.
+    ChordTypeList types;
+    types.add("maj", "1;3;5;");
+    types.add("#5", "1;3;b6;");
+    const struct
+    {
+        bool everyNote, onlyScaleNotes;
+        const char* majors;
+        const char* augmented;
+    } cases[] = {
+        {true, false, "Cmaj Dmaj Emaj Fmaj Gmaj Amaj Bmaj", "C#5 D#5 E#5 F#5 G#5 A#5 B#5"},
+        {false, true, "Cmaj Fmaj Gmaj", ""},
+        {true, true, "Cmaj Fmaj Gmaj", ""},
+    };
+    for (const auto& c : cases) {
+        ChordDatabaseEdits::GenerateOptions options;
+        options.scale = kCMajor;
+        options.everyNoteInScale = c.everyNote;
+        options.onlyScaleNotes = c.onlyScaleNotes;
+        ChordCollection collection;
+        ChordDatabaseEdits::generateList(collection, types, options);
+        std::string names[2];
+        for (const auto& sub : collection.baseGroups()[0].sections[0].subsections) {
+            for (const Chord& chord : sub.chords)
+                names[sub.name == "#5"] +=
+                    (names[sub.name == "#5"].empty() ? "" : " ") + chord.name;
+        }
+        EXPECT_EQ(names[0], c.majors) << c.everyNote << c.onlyScaleNotes;
+        EXPECT_EQ(names[1], c.augmented) << c.everyNote << c.onlyScaleNotes;
+
+        // "Generate Base" keeps the same chords, one scale group per root.
+        const int group = ChordDatabaseEdits::generateBase(collection, types, options);
+        ASSERT_EQ(group, 2);
+        std::size_t chords = 0;
+        for (const auto& section : collection.baseGroups()[2].sections) {
+            for (const auto& sub : section.subsections)
+                chords += sub.chords.size();
+        }
+        EXPECT_EQ(chords * 3, collection.chordCount()) << "as many chords as each other group";
+    }
+}

@@ -17,9 +17,11 @@ TEST(ChordTypeList, AddingFiltersTheConstructionTextAndDefiningRefusesInvalidOne
     EXPECT_TRUE(list.at(1).intervals().isError());
     EXPECT_EQ(list.at(2).construction(), "1;3;5;"); // the upper-case letter is dropped
 
-    // Defining a type (rather than reading one) refuses invalid constructions.
-    EXPECT_TRUE(list.addChecked("m7", "1;b3;5;b7;").ok());
-    for (const char* text : {"1,b3,5;", "", "135", "1;#9;"}) {
+    // Defining a type (rather than reading one) refuses what the user typed unless it parses as
+    // it stands: a character the filter would drop must not change the chord.
+    EXPECT_TRUE(list.addChecked("m7", " 1; b3; 5; b7;").ok());
+    EXPECT_EQ(list.at(3).construction(), "1;b3;5;b7;");
+    for (const char* text : {"1,b3,5;", "", "135", "1;#9;", "1;B3;5;", "1;b3;5;x", "1;\t3;"}) {
         const music::Result result = list.addChecked("x", text);
         EXPECT_FALSE(result.ok()) << text;
         EXPECT_EQ(result.message(), "No valid construction string");

@@ -18,7 +18,7 @@ const std::filesystem::path kData = std::filesystem::path(TM_SOURCE_DIR) / "data
 TEST(ShippedData, ChordTypesAreManyValidAndDistinct)
 {
     music::ChordTypeList types;
-    ASSERT_TRUE(types.load(kData / "default.ccl").ok());
+    ASSERT_TRUE(types.load(kData / music::ChordTypeList::kDefaultFileName).ok());
     EXPECT_GE(types.count(), 100);
     std::set<std::vector<std::uint8_t>> lists;
     std::set<std::string> names;
@@ -37,7 +37,7 @@ TEST(ShippedData, ChordTypesAreManyValidAndDistinct)
 TEST(ShippedData, ScalesAreManyValidAndDistinct)
 {
     music::ScaleList scales;
-    ASSERT_TRUE(scales.load(kData / "default.scl").ok());
+    ASSERT_TRUE(scales.load(kData / music::ScaleList::kDefaultFileName).ok());
     EXPECT_GE(scales.count(), 40);
     std::set<std::string> patterns;
     for (const music::ScaleType& scale : scales.scales()) {
@@ -56,9 +56,10 @@ TEST(ShippedData, ChordDatabaseIsWhatRegeneratingGives)
 {
     music::ChordTypeList types;
     music::ScaleList scales;
-    ASSERT_TRUE(types.load(kData / "default.ccl").ok());
-    ASSERT_TRUE(scales.load(kData / "default.scl").ok());
+    ASSERT_TRUE(types.load(kData / music::ChordTypeList::kDefaultFileName).ok());
+    ASSERT_TRUE(scales.load(kData / music::ScaleList::kDefaultFileName).ok());
     const std::string expected = music::DefaultDatabase::build(types, scales).toBytes();
-    const auto shipped = music::readFileBytes(kData / "default.crd");
-    EXPECT_TRUE(shipped == expected) << "data/default.crd is stale: run tools/make-default-crd.sh";
+    const auto shipped = music::readFileBytes(kData / music::ChordCollection::kDefaultFileName);
+    EXPECT_TRUE(shipped == expected)
+        << "data/default.crd is stale: cmake --build --preset dev --target regenerate-defaults";
 }

@@ -1,12 +1,10 @@
 #include "DefaultDataBuilder.h"
 #include "music/FileBytes.h"
-#include "music/SafeFileWriter.h"
 #include "part/PartFile.h"
 #include "part/RowRenderer.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -41,17 +39,13 @@ void expectPlayable(const Part& p, const std::string& what)
 TEST(DefaultData, ShippedFilesMatchTheirBuilder)
 {
     const std::pair<const char*, std::string> files[] = {
-        {"default.prt", defaults::defaultPartBytes()},
-        {"default.spr", defaults::defaultPatternPresetBytes()},
-        {"default.ppr", defaults::defaultPartPresetBytes()},
+        {PartFile::kDefaultFileName, defaults::defaultPartBytes()},
+        {PatternPresetList::kDefaultFileName, defaults::defaultPatternPresetBytes()},
+        {PartPresetList::kDefaultFileName, defaults::defaultPartPresetBytes()},
     };
-    const bool rewrite = std::getenv("TM_WRITE_DEFAULTS") != nullptr;
     for (const auto& [name, bytes] : files) {
-        if (rewrite) {
-            ASSERT_TRUE(music::writeFileSafely(kData / name, bytes)) << name;
-        }
         EXPECT_EQ(music::readFileBytes(kData / name), bytes)
-            << name << " is stale: rerun this test with TM_WRITE_DEFAULTS=1";
+            << name << " is stale: cmake --build --preset dev --target regenerate-defaults";
     }
 }
 

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -151,15 +152,31 @@ TEST_F(EndToEnd, JackPortGetsExactlyThePartsMessagesAndAServerThatDiesEndsPlayba
     EXPECT_NE(text("shutdown.err").find("JACK"), std::string::npos) << text("shutdown.err");
 }
 
-TEST_F(EndToEnd, BuiltInSynthPlaysAudibleSound)
+TEST_F(EndToEnd, BuiltInSynthPlaysADenseChordNearMinusSixDbfsWithoutClipping)
 {
     if (midi::BuiltInSynth::findSoundFont(m_folder).empty())
         GTEST_SKIP() << "no General MIDI soundfont is installed";
+    // Eight notes at once for half a second: a five-note chord on tracks 0..4, and three fixed
+    // notes below and above it. The default program and velocity (80).
+    part::Part dense = part::Part::makeNew();
+    dense.setBaseOctave(4);
+    part::Pattern& pattern = dense.patterns().pattern(0);
+    for (std::uint8_t track = 0; track < 5; ++track)
+        pattern.setCell(track, 0, {part::CellKind::ChordNote, track, 0});
+    pattern.setCell(5, 0, {part::CellKind::FixedNote, 0, 3});
+    pattern.setCell(6, 0, {part::CellKind::FixedNote, 7, 3});
+    pattern.setCell(7, 0, {part::CellKind::FixedNote, 4, 6});
+    part::PartChord chord;
+    chord.setNotes({0, 4, 7, 11, 14});
+    chord.length = 4;
+    dense.append(chord);
+    ASSERT_TRUE(part::PartFile::save(file("dense.prt"), dense).ok());
+
     const std::string wav = file("synth.wav");
     setenv(midi::BuiltInSynth::kWavVariable, wav.c_str(), 1);
     const int status =
-        runShell(kCli + " play --part '" + file("test.prt") + "' --data '" + m_folder.string() +
-                 "' --device 0 --bpm 240 --tpb 4 >/dev/null 2>'" + file("play.err") + "'");
+        runShell(kCli + " play --part '" + file("dense.prt") + "' --data '" + m_folder.string() +
+                 "' --device 0 --bpm 120 --tpb 2 >/dev/null 2>'" + file("play.err") + "'");
     unsetenv(midi::BuiltInSynth::kWavVariable);
     ASSERT_EQ(status, 0) << text("play.err");
 
@@ -176,11 +193,18 @@ TEST_F(EndToEnd, BuiltInSynthPlaysAudibleSound)
     };
     EXPECT_EQ(le32(24), 44100u);
     EXPECT_EQ(le32(40), bytes.size() - 44);
-    EXPECT_GE(le32(40), 44100u * 4 * 4 / 10); // eight 62 ms steps: about half a second
+    EXPECT_GE(le32(40), 44100u * 4 * 4 / 10); // four 250 ms steps: more than a second
     int peak = 0;
-    for (std::size_t at = 44; at + 1 < bytes.size(); at += 2)
-        peak = std::max(peak, std::abs(static_cast<int>(static_cast<std::int16_t>(
-                                  static_cast<unsigned char>(bytes[at]) |
-                                  static_cast<unsigned char>(bytes[at + 1]) << 8))));
-    EXPECT_GT(peak, 1000) << "the synth rendered silence";
+    int fullScale = 0;
+    for (std::size_t at = 44; at + 1 < bytes.size(); at += 2) {
+        const int sample = std::abs(static_cast<int>(
+            static_cast<std::int16_t>(static_cast<unsigned char>(bytes[at]) |
+                                      static_cast<unsigned char>(bytes[at + 1]) << 8)));
+        peak = std::max(peak, sample);
+        fullScale += sample >= 32767;
+    }
+    const double dbfs = 20.0 * std::log10(std::max(peak, 1) / 32768.0);
+    EXPECT_GT(dbfs, -10.0) << "too quiet to audition with";
+    EXPECT_LT(dbfs, -2.0) << "no headroom left";
+    EXPECT_EQ(fullScale, 0) << "clipped samples";
 }

@@ -174,14 +174,32 @@ TEST_F(PartPlayerTest, DeviceFailureWhilePlayingEndsWithTheMessage)
     EXPECT_EQ(m_ports->closed, 1);
 }
 
-TEST_F(PartPlayerTest, ChangesWhilePlayingApplyToTheFollowingMessages)
+TEST_F(PartPlayerTest, AChannelChangeWhilePlayingEndsEachNoteOnTheChannelItStartedOn)
 {
-    m_player.setTempo(1, 1);
+    // Changed after step 0: the notes of step 0 end on channel 3 (at a later step, or at stop);
+    // the notes started afterwards play and end on channel 9.
+    bool changed = false;
+    QObject::connect(&m_player, &PartPlayer::stepPlayed, [&](int chord, int row) {
+        if (chord == 0 && row == 0 && !changed) {
+            changed = true;
+            change([](midi::MidiSettings& s) { s.setChannel(9); });
+        }
+    });
+    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), kStarted);
+    ASSERT_TRUE(runUntilFinished());
+    EXPECT_EQ(notes(), (Notes{0x93, 48, 0x93, 52, 0x83, 48, 0x99, 53, 0x83, 52, 0x99, 57, 0x89, 53,
+                              0x89, 57}));
+
+    change([](midi::MidiSettings& s) { s.setChannel(3); });
+    {
+        const std::lock_guard<std::mutex> lock(m_ports->mutex);
+        m_ports->messages.clear();
+    }
+    m_player.setTempo(1, 1); // a minute a step: only stop ends it
     ASSERT_EQ(m_player.playPart(makeTestPart(), 0), kStarted);
     change([](midi::MidiSettings& s) { s.setChannel(9); });
     m_player.stop();
-    EXPECT_EQ(notes(), (Notes{0x93, 48, 0x93, 52, 0x89, 48, 0x89, 52}))
-        << "the note-offs of stop use the new channel";
+    EXPECT_EQ(notes(), (Notes{0x93, 48, 0x93, 52, 0x83, 48, 0x83, 52}));
 }
 
 TEST_F(PartPlayerTest, VelocityAbove127IsUsedOnceThenLoweredInTheSettings)

@@ -171,31 +171,16 @@ TEST(ShippedMachineDatabase, LoadsEveryEntryItShips)
          {"Master", "Jeskola Freeverb", "Jeskola Aux Return", "Jeskola Mixer Aux", "Jeskola Mixer"})
         EXPECT_NE(db.findByDllName(name), MachineDatabase::kNotFound) << name;
 
-    // The polyphonic generators a newcomer writes chords into (the default song uses the first),
-    // with the track ranges and short names of the machines themselves.
-    struct Generator
-    {
-        const char* dll;
-        const char* shortName;
-        int maxTracks, globals, globalRow, note;
-    };
-    for (const Generator& g : {Generator{"MadBrain's Dynamite 6", "Dynamite6", 32, 25, 44, 25},
-                               Generator{"M4", "M4", 8, 35, 35, 35}}) {
-        SCOPED_TRACE(g.dll);
-        const std::size_t index = db.findByDllName(g.dll);
-        ASSERT_NE(index, MachineDatabase::kNotFound);
+    // The polyphonic generators a newcomer writes chords into (the default song uses the first)
+    // have a track parameter "note" for the part writer.
+    for (const char* dll : {"MadBrain's Dynamite 6", "M4"}) {
+        const std::size_t index = db.findByDllName(dll);
+        ASSERT_NE(index, MachineDatabase::kNotFound) << dll;
         const auto& synth = db.entry(index);
-        EXPECT_EQ(synth.shortName, g.shortName);
-        EXPECT_EQ(synth.type, 1);
-        EXPECT_EQ(synth.minTracks, 1);
-        EXPECT_EQ(synth.maxTracks, g.maxTracks);
-        EXPECT_EQ(synth.globalParameterCount, g.globals);
-        EXPECT_EQ(synth.trackParameterCount, 2);
-        EXPECT_EQ(synth.globalRowSize, g.globalRow);
-        EXPECT_EQ(synth.trackRowSize, 2); // note and volume
-        EXPECT_EQ(synth.findParameter("note"), g.note);
-        EXPECT_EQ(synth.findParameter("volume"), g.note + 1);
-        EXPECT_EQ(synth.parameters[static_cast<std::size_t>(g.note)].scope, 't');
+        const int note = synth.findParameter("note");
+        ASSERT_GE(note, 0) << dll;
+        EXPECT_EQ(synth.parameters[static_cast<std::size_t>(note)].scope, 't') << dll;
+        EXPECT_GE(synth.maxTracks, 8) << dll;
     }
     for (const auto& e : db.entries()) {
         SCOPED_TRACE(e.dllName);

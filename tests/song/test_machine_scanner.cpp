@@ -209,6 +209,28 @@ TEST_F(MachineScan, AddEntryCreatesTheFileAndTheLoaderSeesTheNewEntry)
     EXPECT_EQ(database(), before);
 }
 
+TEST_F(MachineScan, ScanningTheDllOfALearnedMachineReplacesTheLearnedEntry)
+{
+    REQUIRE_TEST_DLLS();
+    song::MachineDatabaseEntry guess = learned("testgen32o0");
+    guess.shortName += song::MachineDatabaseEntry::kLearnedMark;
+    guess.maxTracks = 2;
+    ASSERT_TRUE(MachineScanner::addEntry(m_data, guess).ok());
+    ASSERT_TRUE(MachineScanner::addEntry(m_data, learned("Kept")).ok());
+
+    bool changed = false;
+    ASSERT_TRUE(MachineScanner::scanSingleDll(m_data, testGear() / "generators" / "TestGen32O0.dll",
+                                              changed)
+                    .ok());
+    EXPECT_TRUE(changed);
+    EXPECT_EQ(loadedNames(), (std::vector<std::string>{"TestGen32O0", "Master", "Jeskola Freeverb",
+                                                       "Jeskola Aux Return", "Kept"}));
+    MachineDatabase db;
+    ASSERT_TRUE(db.load(m_data).ok());
+    EXPECT_FALSE(db.entry(0).isLearned());
+    EXPECT_EQ(db.entry(0).maxTracks, 16) << "the DLL's own range";
+}
+
 TEST_F(MachineScan, AddEntryAfterAFullScanKeepsTheUnreadEntriesBehind)
 {
     REQUIRE_TEST_DLLS();

@@ -382,24 +382,37 @@ part::Part chordsPart(const std::vector<std::string>& names, std::uint8_t length
     return p;
 }
 
-TEST_F(PartWriterTest, TakenNamesGetACounter)
-{
-    ASSERT_TRUE(m_song.createPattern(kSynth, "Am", 4));
-    write(chordsPart({"Am", "Am"}), flags(true, false));
-    EXPECT_EQ(patternNames(), (std::vector<std::string>{"Am", "Am-2", "Am-3"}));
-}
-
-TEST_F(PartWriterTest, NamesByNotesUseTheChordsOwnNotes)
+TEST_F(PartWriterTest, PatternNamesAreFreeAndFollowTheNamingOption)
 {
     part::PartChord chord;
+    chord.name = "Nameless";
+    EXPECT_EQ(PartWriter::notesName(chord), "Nameless") << "a chord without notes keeps its name";
     chord.setNotes({48, 52, 55});
     EXPECT_EQ(PartWriter::notesName(chord), "C4 E4 G4");
-    chord.name = "Nameless";
-    chord.setNotes({});
-    EXPECT_EQ(PartWriter::notesName(chord), "Nameless");
 
-    write(partWith({0, 4, 7}, {{0, 0, chordNote(0)}}), flags(false, false, true));
-    EXPECT_EQ(patternNames(), std::vector<std::string>{"C0 E0 G0"});
+    const struct
+    {
+        const char* what;
+        part::Part part;
+        PartWriteOptions options;
+        std::vector<std::string> names;
+    } cases[] = {
+        {"taken names get a counter",
+         chordsPart({"Am", "Am"}),
+         flags(true, false),
+         {"Am", "Am-2", "Am-3"}},
+        {"names by notes",
+         partWith({0, 4, 7}, {{0, 0, chordNote(0)}}),
+         flags(false, false, true),
+         {"C0 E0 G0"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        SetUp();
+        ASSERT_TRUE(m_song.createPattern(kSynth, "Am", 4));
+        write(c.part, c.options);
+        EXPECT_EQ(patternNames(), c.names);
+    }
 }
 
 TEST_F(PartWriterTest, SequenceWidthsGrowWithChordCountAndTotalLength)
@@ -414,7 +427,7 @@ TEST_F(PartWriterTest, SequenceWidthsGrowWithChordCountAndTotalLength)
         {121, 1, 1, 2},  // 121 chords
         {51, 5, 1, 1},   // 255 rows
         {64, 4, 2, 1},   // 256 rows
-        {130, 200, 2, 2} // positions beyond one byte, values beyond one byte
+        {130, 64, 2, 2}  // positions beyond one byte, values beyond one byte
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::to_string(c.chords) + " x " + std::to_string(c.length));
@@ -491,14 +504,14 @@ TEST_F(PartWriterTest, ChanceCellsSoundSometimesAndRepeatWithTheSeed)
     }
 }
 
-TEST_F(PartWriterTest, ChordsLongerThanThePatternGetEmptyRowsAfterRow63)
+TEST_F(PartWriterTest, ChordLengthsAbove64AreCappedAtThePatternsRows)
 {
     part::Part p = partWith({0}, {{0, 63, chordNote(0)}}, 4, 100);
     write(p, {});
-    ASSERT_EQ(m_song.patternBlocks()[kSynth].patterns[0].rows, 100);
-    std::vector<int> expected(100, 0);
+    ASSERT_EQ(m_song.patternBlocks()[kSynth].patterns[0].rows, 64);
+    std::vector<int> expected(64, 0);
     expected[63] = code(0, 4);
-    EXPECT_EQ(notes(0, 100), expected);
+    EXPECT_EQ(notes(0, 64), expected);
 }
 
 TEST_F(PartWriterTest, ChordOnAMissingPatternWritesAnEmptyPattern)

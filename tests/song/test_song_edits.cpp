@@ -62,7 +62,7 @@ TEST(RemoveMachine, RenumbersEveryReferenceAndStaysReadable)
     ASSERT_EQ(inputSources(song, 0), (Values{1, 2, 3}));
     ASSERT_EQ(inputSources(song, 3), (Values{4}));
 
-    song::removeMachine(song, 2);
+    ASSERT_TRUE(song::removeMachine(song, 2).ok());
 
     EXPECT_EQ(column(song.machines(), &song::SongMachine::name),
               (std::vector<std::string>{"Master", "A", "C", "D"}));
@@ -82,12 +82,26 @@ TEST(RemoveMachine, RenumbersEveryReferenceAndStaysReadable)
     expectRoundTrip(song);
 }
 
+TEST(RemoveMachine, RefusesTheMasterAndMissingMachinesWithAMessage)
+{
+    const struct
+    {
+        std::size_t machine;
+        std::string message;
+    } cases[] = {{0, song::kMasterCannotBeRemoved}, {7, "The song has no machine 7."}};
+    for (const auto& c : cases) {
+        BuzzSong song = readReference();
+        const music::Result r = song::removeMachine(song, c.machine);
+        EXPECT_FALSE(r.ok());
+        EXPECT_EQ(r.message(), c.message);
+        expectSameModel(song, readReference());
+    }
+}
+
 TEST(RemoveMachine, RemovingTheOnlySourceLeavesTheMasterWithoutInputs)
 {
     BuzzSong song = readReference();
-    song::removeMachine(song, 7);
-    expectSameModel(song, readReference()); // out of range: nothing changes
-    song::removeMachine(song, 1);
+    ASSERT_TRUE(song::removeMachine(song, 1).ok());
     EXPECT_TRUE(song.connections().empty());
     EXPECT_TRUE(song.patternBlocks()[0].patterns[0].inputs.empty());
     EXPECT_EQ(song.sequences().size(), 1u) << "the sequence of the master stays";
@@ -264,21 +278,6 @@ TEST(SongCells, TrackCountGrowsWithDefaultsAndShrinksEveryPattern)
     EXPECT_FALSE(song.setTrackCount(1, 17)) << "the machine allows 16 tracks";
     EXPECT_EQ(song.machines()[1].trackCount, 1);
     expectRoundTrip(song);
-}
-
-TEST(SongQueries, FindByNameAndInputs)
-{
-    const BuzzSong song = fiveMachineSong();
-    EXPECT_EQ(song.findMachine("C"), 3u);
-    EXPECT_EQ(song.findMachine("c"), BuzzSong::kNameNotFound);
-    EXPECT_EQ(song.findMachine("Z"), BuzzSong::kNameNotFound);
-    EXPECT_EQ(song.inputsOf(0), (std::vector<std::size_t>{0, 1, 2}));
-    EXPECT_EQ(song.inputsOf(3), (std::vector<std::size_t>{3}));
-    EXPECT_TRUE(song.inputsOf(4).empty());
-    EXPECT_EQ(song.sequencesOf(4), (std::vector<std::size_t>{3}));
-    EXPECT_EQ(song.findParameterSet("D"), 4u);
-    EXPECT_EQ(BuzzSong::findParameter(song.machines()[1].description, "NOTE"), 2u);
-    EXPECT_FALSE(BuzzSong::findParameter(song.machines()[1].description, "wave"));
 }
 
 } // namespace

@@ -3,10 +3,12 @@
 
 #include "music/SafeFileWriter.h"
 #include "music/TextLineReader.h"
+#include "part/Part.h"
 #include "song/BuzzNote.h"
 #include "song/DataFolderMachineCatalog.h"
 #include "song/FileErrorCode.h"
 #include "song/MemoryMachineCatalog.h"
+#include "song/PartWriter.h"
 #include "song/SongReader.h"
 #include "song/SpecDataStore.h"
 
@@ -238,16 +240,6 @@ TEST(SongReader, SectionNamesMatchIgnoringCaseAndWaveIsTheWaveData)
     EXPECT_EQ(song.rawSections()[0].name, "blah");
 }
 
-TEST(SongReader, SongWithoutWaveSectionsGetsEmptyDefaults)
-{
-    BuzzSong song;
-    ASSERT_TRUE(readWith(songFile(sectionsWithout({"WAVT", "CWAV"})), song).ok());
-    EXPECT_TRUE(song.waves().empty());
-    EXPECT_EQ(song.waveTable(), (Rows{0, 0}));
-    EXPECT_TRUE(song.waveData().empty());
-    EXPECT_TRUE(song.hasWaveData());
-}
-
 TEST(SongReader, KeepsAtMostSixteenUnknownSections)
 {
     std::vector<Section> sections = referenceSections();
@@ -305,46 +297,122 @@ TEST(SongReader, LastMatchingDatabaseEntryWinsAndTheFirstMachineDataIsRecorded)
     EXPECT_EQ(catalog.machineDataCount(), 1u);
 }
 
-// The unknown-machine flow: the generator is missing from the database.
+/** A catalog whose DLL scan knows one file: "generators/TestGen.dll" adds the generator. */
+class ScanningCatalog : public song::MemoryMachineCatalog
+{
+public:
+    using MemoryMachineCatalog::MemoryMachineCatalog;
+    music::Result scanDll(const std::filesystem::path& dll, bool& changed) override
+    {
+        changed = dll == "generators/TestGen.dll";
+        return changed ? learn(leadEntry()) : MemoryMachineCatalog::scanDll(dll, changed);
+    }
+};
+
+// The unknown-machine flow: the generator is missing from the database. Declining to learn it
+// from the song leads to the DLL scan, as for a song that doesn't describe it.
 TEST(SongReader, UnknownMachineFlow)
 {
     const std::string unknownText =
         "machine unknown\nLead\nTestGen\nplease scan your gear-directory";
+    const char* const dll = "generators/TestGen.dll";
     const struct
     {
         const char* what;
         bool hasHandler, songHasPara, learn;
-        int dllsOffered, code;
+        std::vector<std::filesystem::path> dlls;
+        int code;
         std::size_t learnQuestions, scanOffers;
     } cases[] = {
-        {"learned from the song", true, true, true, 0, 0, 1, 0},
-        {"learning declined", true, true, false, 1, 26, 1, 0},
-        {"no description, scan cancelled", true, false, true, 0, 26, 0, 1},
-        {"no description, scan fails", true, false, true, 1, 26, 0, 1},
-        {"no handler", false, true, true, 0, 26, 0, 0},
+        {"learned from the song", true, true, true, {}, 0, 1, 0},
+        {"learning declined, DLL scanned", true, true, false, {dll}, 0, 1, 1},
+        {"learning declined, scan cancelled", true, true, false, {}, 26, 1, 1},
+        {"no description, DLL scanned", true, false, true, {dll}, 0, 0, 1},
+        {"no description, scan cancelled", true, false, true, {}, 26, 0, 1},
+        {"no description, scan fails", true, false, true, {"effects/Other.dll"}, 26, 0, 1},
+        {"no handler", false, true, true, {}, 26, 0, 0},
     };
     for (const auto& c : cases) {
-        song::MemoryMachineCatalog catalog({masterEntry()});
+        SCOPED_TRACE(c.what);
+        ScanningCatalog catalog({masterEntry()});
         ScriptedHandler handler;
         handler.learn = c.learn;
-        handler.dlls.assign(static_cast<std::size_t>(c.dllsOffered), "generators/TestGen.dll");
+        handler.dlls = c.dlls;
         const std::string file =
             c.songHasPara ? referenceSong() : songFile(sectionsWithout({"PARA"}));
         BuzzSong song;
         const music::Result r =
             song::SongReader(catalog, c.hasHandler ? &handler : nullptr).readBytes(file, song);
-        EXPECT_EQ(r.code(), c.code) << c.what;
-        EXPECT_EQ(handler.learnQuestions.size(), c.learnQuestions) << c.what;
-        EXPECT_EQ(handler.scanMessages, std::vector<std::string>(c.scanOffers, unknownText))
-            << c.what;
+        EXPECT_EQ(r.code(), c.code);
+        EXPECT_EQ(handler.learnQuestions.size(), c.learnQuestions);
+        EXPECT_EQ(handler.scanMessages, std::vector<std::string>(c.scanOffers, unknownText));
         if (c.code == 26) {
-            EXPECT_EQ(r.message(), unknownText) << c.what;
-        } else {
-            // The learned entry reads the song's rows exactly like the hand-made one.
-            EXPECT_EQ(song.machines()[1].globalRowSize, 3);
-            EXPECT_EQ(song.machines()[1].trackRowSize, 2);
-            EXPECT_EQ(catalog.entries().size(), 2u);
+            EXPECT_EQ(r.message(), unknownText);
+            continue;
         }
+        // Learned or scanned, the entry reads the song's rows exactly like the hand-made one.
+        EXPECT_EQ(song.machines()[1].globalRowSize, 3);
+        EXPECT_EQ(song.machines()[1].trackRowSize, 2);
+        ASSERT_EQ(catalog.entries().size(), 2u);
+        EXPECT_EQ(catalog.entries()[1].isLearned(), c.scanOffers == 0);
+    }
+}
+
+// machines.ini describes the generator with one track parameter too few or one global too many.
+// Where the song describes its machines (PARA), their layout wins with a warning; where it
+// doesn't, the sections don't end where the directory says and nothing is read.
+TEST(SongReader, DatabaseEntriesThatDontFitTheSongAreNeverMisread)
+{
+    song::MachineDatabaseEntry noVelocity = leadEntry();
+    noVelocity.parameters.pop_back();
+    noVelocity.trackParameterCount = 1;
+    noVelocity.trackRowSize = 1;
+    song::MachineDatabaseEntry extraGlobal = entry("TestGen", 1,
+                                                   {{"Cutoff", 2, false},
+                                                    {"Glide", 3, false},
+                                                    {"Extra", 2, false},
+                                                    {"Note", 0, true},
+                                                    {"Velocity", 2, true}},
+                                                   1, 16);
+    std::string pattPadded = pattSection() + '\0';
+    const std::string lead = "Lead (TestGen)";
+    const struct
+    {
+        const char* what;
+        song::MachineDatabaseEntry entry;
+        std::vector<Section> sections;
+        int code;
+        std::string inMessage;
+    } cases[] = {
+        {"track parameter missing, song describes it", noVelocity, referenceSections(), 0, ""},
+        {"global parameter too many, song describes it", extraGlobal, referenceSections(), 0, ""},
+        {"track parameter missing, no description", noVelocity, sectionsWithout({"PARA"}),
+         FileErrorCode::kMachineRecord,
+         "Scan the DLLs of these machines again:\nMaster (Master)\n" + lead},
+        {"global parameter too many, no description", extraGlobal, sectionsWithout({"PARA"}),
+         FileErrorCode::kMachineRecord, lead},
+        {"patterns longer than their section says", leadEntry(), sectionsWith("PATT", pattPadded),
+         FileErrorCode::kPatternRows,
+         "the PATT section holds 56 bytes, but they take 55.\nThe song may be damaged."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        song::MemoryMachineCatalog catalog({masterEntry(), c.entry});
+        song::SongReader reader(catalog, nullptr);
+        BuzzSong song;
+        const music::Result r = reader.readBytes(songFile(c.sections), song);
+        EXPECT_EQ(r.code(), c.code) << r.message();
+        if (c.code != 0) {
+            EXPECT_NE(r.message().find(c.inMessage), std::string::npos) << r.message();
+            EXPECT_EQ(song.machineCount(), 0u);
+            continue;
+        }
+        EXPECT_EQ(reader.warnings(),
+                  std::vector<std::string>{
+                      song::SongReader::parameterMismatchWarning("Lead", "TestGen")});
+        expectSameModel(song, readReference());
+        EXPECT_EQ(song.machines()[1].description.parameters.size(), 4u);
+        EXPECT_EQ(song.machines()[1].description.maxTracks, 16) << "the range stays the database's";
     }
 }
 
@@ -381,7 +449,7 @@ TEST(SongReader, LearnedMachinesAndMachineDataPersistInTheDataFolder)
     EXPECT_EQ(missing.message(), "machines.ini not found\n please scan the buzz\\gear-directory");
 }
 
-TEST(SongReader, LearnedEntryTakesWidthsTypesAndTrackRange)
+TEST(SongReader, LearnedEntryTakesWidthsTypesAndMarksItself)
 {
     song::MachineParameterSet set{"M",
                                   "Gen",
@@ -390,27 +458,71 @@ TEST(SongReader, LearnedEntryTakesWidthsTypesAndTrackRange)
                                   {{3, "Volume", 0, 0xFFFE, 0xFFFF, 2, 0x4000},
                                    {9, "Odd", 0, 1, 0, 0, 0},
                                    {0, "Note", 0, 0, 0, 0, 0}}};
-    const auto entry = song::SongReader::entryFromParameterSet(set, 1, 80);
+    const auto entry = song::SongReader::entryFromParameterSet(set, 1, 3);
     ASSERT_TRUE(entry);
     EXPECT_EQ(entry->globalRowSize, 2); // the unknown type adds nothing
     EXPECT_EQ(entry->trackRowSize, 1);
-    EXPECT_EQ(entry->minTracks, 1);
-    EXPECT_EQ(entry->maxTracks, 80); // never below what the song uses
     EXPECT_EQ(entry->parameters[0].width, 2);
     EXPECT_EQ(entry->parameters[0].noValue, 0xFFFF);
     EXPECT_EQ(entry->parameters[2].scope, 't');
-
-    set.trackCount = 0;
-    set.parameters.pop_back();
-    const auto noTracks = song::SongReader::entryFromParameterSet(set, 2, 0);
-    ASSERT_TRUE(noTracks);
-    EXPECT_EQ(noTracks->minTracks, 0);
-    EXPECT_EQ(noTracks->maxTracks, 0);
+    EXPECT_TRUE(entry->isLearned());
 
     // A row wider than the database can hold is not learned.
     set.parameters.assign(200, {3, "W", 0, 0, 0, 0, 0});
     set.globalCount = 200;
+    set.trackCount = 0;
     EXPECT_FALSE(song::SongReader::entryFromParameterSet(set, 1, 0));
+}
+
+// A learned machine's track range is what the song uses (the machine's tracks or its patterns'),
+// so that writing a part with more tracks warns as for a machine scanned from its DLL.
+TEST(SongReader, LearnedMachinesTakeTheirTrackRangeFromTheSong)
+{
+    // The generator's patterns with three tracks while the machine itself has two.
+    std::string threeTracks = pattSection();
+    threeTracks[31] = 3; // the track count of the generator's pattern block
+    threeTracks += Bytes().u8(0).u8(0xFF).u8(0).u8(0xFF).data();
+    const struct
+    {
+        const char* what;
+        std::string song;
+        std::uint16_t maxTracks;
+    } cases[] = {
+        {"machine and patterns with two tracks", referenceSong(), 2},
+        {"patterns with three", songFile(sectionsWith("PATT", threeTracks)), 3},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        song::MemoryMachineCatalog catalog({masterEntry()});
+        ScriptedHandler handler;
+        handler.learn = true;
+        BuzzSong song;
+        ASSERT_TRUE(song::SongReader(catalog, &handler).readBytes(c.song, song).ok());
+        ASSERT_EQ(catalog.entries().size(), 2u);
+        EXPECT_EQ(catalog.entries()[1].minTracks, 1);
+        EXPECT_EQ(catalog.entries()[1].maxTracks, c.maxTracks);
+        EXPECT_EQ(catalog.entries()[1].shortName, "TestGen (learned)");
+    }
+
+    // A part playing in four tracks, written into the learned generator of two.
+    song::MemoryMachineCatalog catalog({masterEntry()});
+    ScriptedHandler handler;
+    handler.learn = true;
+    BuzzSong song;
+    ASSERT_TRUE(song::SongReader(catalog, &handler).readBytes(referenceSong(), song).ok());
+    part::Part part;
+    part::Pattern pattern;
+    for (int track = 0; track < 4; ++track)
+        pattern.setCell(track, 0, {part::CellKind::ChordNote, static_cast<std::uint8_t>(track), 0});
+    part.patterns().append(pattern);
+    part::PartChord chord;
+    chord.name = "C6";
+    chord.setNotes({0, 4, 7, 9});
+    chord.length = 4;
+    part.append(chord);
+    const song::PartWriteResult written = song::PartWriter::write(song, 1, part, {});
+    EXPECT_EQ(written.messages,
+              (std::vector<std::string>{"Machine only supports 2 tracks.", "done"}));
 }
 
 TEST(SongReader, MissingFileFailsWithoutMessage)

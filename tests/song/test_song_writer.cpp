@@ -5,12 +5,14 @@
 #include "music/SafeFileWriter.h"
 #include "song/FileErrorCode.h"
 #include "song/MemoryMachineCatalog.h"
+#include "song/SongEdits.h"
 #include "song/SongReader.h"
 #include "song/SongWriter.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 
 namespace {
 
@@ -80,7 +82,10 @@ TEST(SongWriter, WritesSectionsInFixedOrderUnchangedExceptTheBannerAndReadsBackT
 
 TEST(SongWriter, WaveSectionsAreEmptyWithoutWavesAndSkippedWithoutWaveData)
 {
-    const Written empty = saved(readReference(songFile(sectionsWithout({"WAVT", "CWAV"}))));
+    const BuzzSong noWaves = readReference(songFile(sectionsWithout({"WAVT", "CWAV"})));
+    EXPECT_TRUE(noWaves.waves().empty());
+    EXPECT_TRUE(noWaves.waveData().empty());
+    const Written empty = saved(noWaves);
     EXPECT_EQ(empty.entries[3].name, "WAVT");
     EXPECT_EQ(empty.bytes(3), std::string(2, '\0'));
     EXPECT_EQ(empty.entries[4].name, "CWAV");
@@ -110,21 +115,56 @@ TEST(SongWriter, SixteenUnknownSectionsMakeTwentySixEntries)
                                         pdlgSection().size() + machSection().size());
 }
 
-TEST(SongWriter, SequenceValuesTakeTwoBytesAbove112Patterns)
+// The sequence of machine 1 holds 0:16 16:16 32:1. Whatever moved its pattern count, the width
+// bytes of the header must give the size of every stored event, and the values must read back.
+TEST(SongWriter, SequenceHeaderAndValuesAgreeAcross112PatternsBothWays)
 {
+    const auto growTo = [](BuzzSong& song, std::size_t patterns) {
+        while (song.patternCount(1) < patterns)
+            ASSERT_TRUE(song.createPattern(1, "p" + std::to_string(song.patternCount(1)), 1));
+    };
+    using Edit = std::function<void(BuzzSong&)>;
     const struct
     {
-        std::size_t patterns;
-        std::size_t eventBytes; // per event: one position byte plus the value
-    } cases[] = {{112, 2}, {113, 3}};
+        const char* what;
+        Edit edit;
+        int positionWidth, valueWidth;
+    } cases[] = {
+        {"112 patterns", [&](BuzzSong& s) { growTo(s, 112); }, 1, 1},
+        {"113 patterns", [&](BuzzSong& s) { growTo(s, 113); }, 1, 2},
+        {"113 then the unused ones removed",
+         [&](BuzzSong& s) {
+             growTo(s, 113);
+             s.sequences()[0].eventWidth = 2; // as read from a song written with 113
+             song::removeUnusedPatterns(s, 1);
+         },
+         1, 1},
+        {"113 then one removed",
+         [&](BuzzSong& s) {
+             growTo(s, 113);
+             song::removePattern(s, 1, 7);
+         },
+         1, 1},
+        {"a value that needs two bytes",
+         [](BuzzSong& s) { s.sequences()[0].events[2].value = 300; }, 1, 2},
+        {"a position that needs two bytes",
+         [](BuzzSong& s) { s.sequences()[0].events[2].position = 300; }, 2, 1},
+    };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
         BuzzSong song = readReference();
-        while (song.patternCount(1) < c.patterns)
-            ASSERT_TRUE(song.createPattern(1, "p" + std::to_string(song.patternCount(1)), 1));
-        const std::string sequ = saved(song).bytes(6);
-        // Header 14, sequence of machine 1: 6 + 2 width bytes + 3 events, then the empty one.
-        EXPECT_EQ(sequ.size(), 14u + 8u + 3 * c.eventBytes + 6u) << c.patterns;
-        EXPECT_EQ(sequ[14 + 6 + 1], 1) << "the header's event width is written as stored";
+        c.edit(song);
+        const Written w = saved(song);
+        const std::string sequ = w.bytes(6);
+        // Song length and count 14 bytes; machine 1: index, count, two width bytes, 3 events;
+        // then the empty sequence of the master, 6 bytes.
+        ASSERT_EQ(sequ.size(), 14u + 8u + 3u * (c.positionWidth + c.valueWidth) + 6u);
+        EXPECT_EQ(sequ[20], c.positionWidth);
+        EXPECT_EQ(sequ[21], c.valueWidth);
+        const BuzzSong reread = readReference(w.file);
+        ASSERT_EQ(reread.sequences().size(), 2u);
+        EXPECT_EQ(reread.sequences()[0].events, song.sequences()[0].events);
+        EXPECT_EQ(reread.patternCount(1), song.patternCount(1));
     }
 }
 

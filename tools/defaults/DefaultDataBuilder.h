@@ -8,7 +8,8 @@
 
 // Builds the shipped default part and preset files from the library's own model and writer, so
 // they are valid by construction. The test DefaultData.ShippedFilesMatchTheirBuilder compares
-// data/ with these bytes; run it with TM_WRITE_DEFAULTS=1 to rewrite data/ after a change here.
+// data/ with these bytes; after a change here, the build target regenerate-defaults rewrites data/
+// (cmake --build --preset dev --target regenerate-defaults).
 namespace defaults {
 
 part::Part defaultPart();
