@@ -81,14 +81,10 @@ void registerMidiCommands(std::vector<Command>& commands)
         runMidi,
         "Format 1 with a tempo track and a note track. Tempo defaults to the part's own,\n"
         "velocity to 80; channel and chord indices count from 0; --range limits the chords\n"
-        "written (default: all); --write-bpm stores the tempo. --markers names the first track
-"
-        "after the part (or the file) and puts a marker with each chord's name where the chord
-"
-        "starts. Prints nothing on success.
-"
-        "Each note's velocity is the setting with a small random jitter, stored within 1..127
-"
+        "written (default: all); --write-bpm stores the tempo. --markers names the first track\n"
+        "after the part (or the file) and puts a marker with each chord's name where the chord\n"
+        "starts. Prints nothing on success.\n"
+        "Each note's velocity is the setting with a small random jitter, stored within 1..127\n"
         "(127 at most, so --velocity 128 gives 127), as a MIDI data byte must be.",
     });
 }
