@@ -93,6 +93,13 @@ bool PartListCommands::insertChords(int row, std::vector<part::PartChord> chords
     return done;
 }
 
+bool PartListCommands::hasDatabaseChords() const
+{
+    const std::vector<music::TreePosition> selected = m_chordDatabase.selectedPositions();
+    return std::any_of(selected.begin(), selected.end(),
+                       [](const music::TreePosition& p) { return p.isChord(); });
+}
+
 void PartListCommands::addSelectedDatabaseChords()
 {
     insertChords(m_session.part().count(), fromDatabase(m_chordDatabase.selectedPositions()),

@@ -51,6 +51,8 @@ public:
      * selects them; a message says why when the part has no room for them.
      */
     bool insertChords(int row, std::vector<part::PartChord> chords, const QString& label);
+    /** Whether the database tree has chords selected for "Add Chord". */
+    bool hasDatabaseChords() const;
     /** "Add Chord": the chords selected in the database tree, appended. */
     void addSelectedDatabaseChords();
     /** Moves (or copies) the chords of `rows` before `target`, which counts the old rows. */

@@ -214,6 +214,7 @@ void PartListPanel::updateCommandStates()
     const auto enable = [this](std::string_view id, bool enabled) {
         ActionFactory::setEnabled(m_menu, id, enabled);
     };
+    enable("partList.addChord", m_commands->hasDatabaseChords());
     enable("partList.chordSettings", m_session.currentChord() >= 0);
     enable("partList.copy", hasSelection);
     enable("partList.cut", hasSelection);
