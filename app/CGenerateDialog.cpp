@@ -1,6 +1,7 @@
 #include "app/CGenerateDialog.h"
 
 #include "app/NoteNames.h"
+#include "music/ChordCollection.h"
 #include "music/ScaleList.h"
 
 #include <QCheckBox>
@@ -12,13 +13,26 @@
 
 namespace app {
 
-CGenerateDialog::CGenerateDialog(const QString& title, const music::ScaleList& scales,
-                                 QWidget* parent)
+CGenerateDialog::CGenerateDialog(Mode mode, const music::ScaleList& scales, QWidget* parent)
     : QDialog(parent), m_scales(scales)
 {
-    setWindowTitle(title);
+    setObjectName(QStringLiteral("generateDialog"));
+    setWindowTitle(mode == Mode::List ? QStringLiteral("Generate List")
+                                      : QStringLiteral("Generate Base"));
     m_name = new QLineEdit(QStringLiteral("noname"), this);
-    m_name->selectAll();
+    m_name->setObjectName(QStringLiteral("generateName"));
+    m_name->setAccessibleName(tr("Name of the base group"));
+    if (mode == Mode::Base)
+        m_name->selectAll();
+    if (mode == Mode::List) {
+        m_name->setEnabled(false);
+        const auto text = [](std::string_view name) {
+            return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
+        };
+        m_name->setToolTip(tr("Generate List names its base groups \"%1\" and \"%2\".")
+                               .arg(text(music::ChordCollection::kSortedByChord),
+                                    text(music::ChordCollection::kSortedByNote)));
+    }
     m_scale = new QComboBox(this);
     m_scale->addItem(tr("(no scale)"));
     for (const music::ScaleType& scale : scales.scales())

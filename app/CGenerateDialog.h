@@ -16,7 +16,8 @@ namespace app {
 
 /**
  * The generation dialog of "Generate List" and "Generate Base" (its title is the command's name):
- * a name, an optional scale on a base note and the two scale options.
+ * a name, an optional scale on a base note and the two scale options. "Generate List" names its
+ * two base groups itself, so there the name field is shown but cannot be changed.
  */
 class CGenerateDialog : public QDialog
 {
@@ -27,8 +28,13 @@ public:
     static constexpr const char* kOnlyScaleNotesTip =
         "Only allow those chords, which consists of scale notes.";
 
-    CGenerateDialog(const QString& title, const music::ScaleList& scales,
-                    QWidget* parent = nullptr);
+    enum class Mode
+    {
+        List, ///< "Generate List": replaces the database with the two sorted groups
+        Base, ///< "Generate Base": appends one base group with the given name
+    };
+
+    CGenerateDialog(Mode mode, const music::ScaleList& scales, QWidget* parent = nullptr);
 
     music::ChordDatabaseEdits::GenerateOptions options() const;
 

@@ -8,6 +8,7 @@
 #include "app/CTonalmancerView.h"
 #include "app/CUnknownMachineDialogs.h"
 #include "app/CommandTable.h"
+#include "app/ContextHelp.h"
 #include "app/FileFilters.h"
 #include "app/HelpRouter.h"
 #include "app/MessageBoxes.h"
@@ -64,6 +65,7 @@ CMainFrame::CMainFrame(QWidget* parent) : QMainWindow(parent)
     setObjectName(QStringLiteral("mainFrame"));
     m_help =
         std::make_unique<HelpRouter>(HelpRouter::findManual(QApplication::applicationDirPath()));
+    m_contextHelp = std::make_unique<ContextHelp>(*m_help);
     m_machineDialogs = std::make_unique<CUnknownMachineDialogs>(this);
     createActions();
     createMenus();
@@ -110,8 +112,8 @@ void CMainFrame::createActions()
                         QKeySequence(QStringLiteral("Ctrl+Shift+Enter"))});
 
     action("edit.redo")
-        ->setShortcuts({QKeySequence(QStringLiteral("Ctrl+Shift+Z")),
-                        QKeySequence(QStringLiteral("Ctrl+Y"))});
+        ->setShortcuts(
+            {QKeySequence(QStringLiteral("Ctrl+Shift+Z")), QKeySequence(QStringLiteral("Ctrl+Y"))});
 
     connect(action("file.exit"), &QAction::triggered, this, &QWidget::close);
     connect(action("help.topics"), &QAction::triggered, this, [this] {

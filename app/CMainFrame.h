@@ -15,6 +15,7 @@ class QToolBar;
 namespace app {
 
 class CTempoBar;
+class ContextHelp;
 class CUnknownMachineDialogs;
 class HelpRouter;
 class CTonalmancerDoc;
@@ -88,6 +89,7 @@ private:
     bool m_playingPart = false;
     bool m_playingChord = false;
     std::unique_ptr<HelpRouter> m_help;
+    std::unique_ptr<ContextHelp> m_contextHelp; // F1 help; declared after m_help, which it uses
     std::unique_ptr<CUnknownMachineDialogs> m_machineDialogs;
 };
 

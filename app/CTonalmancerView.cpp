@@ -9,6 +9,7 @@
 #include "app/PartFileCommands.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
+#include "app/PatternGridPanel.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
@@ -39,6 +40,7 @@ QWidget* titled(const QString& title, QWidget* content, QWidget* parent)
 {
     auto* box = new QWidget(parent);
     box->setObjectName(content->objectName() + QStringLiteral("Box"));
+    box->setAccessibleName(QString(title).remove(QLatin1Char('&')));
     auto* layout = new QVBoxLayout(box);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->setSpacing(2);
@@ -152,16 +154,10 @@ QWidget* CTonalmancerView::createPatternListPanel()
 
 QWidget* CTonalmancerView::createPatternGridPanel()
 {
-    auto* grid = named(new QTableWidget(64, 8, this), "patternEditor", tr("Pattern editor"));
-    QStringList tracks;
-    for (int track = 1; track <= 8; ++track)
-        tracks << tr("Track %1").arg(track);
-    grid->setHorizontalHeaderLabels(tracks);
-    grid->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    grid->verticalHeader()->setDefaultSectionSize(20);
-    grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    grid->setToolTip(tr("The pattern of the current chord: 8 tracks by 64 rows."));
-    attachContextMenu("patternEditor", grid);
+    auto* grid = new PatternGridPanel(
+        *m_partSession, [this](std::string_view id) { return m_frame.action(id); }, this);
+    registerContextMenu("patternEditor", grid->contextMenu());
+    registerContextMenu("trackHeader", grid->trackHeaderMenu());
     return grid;
 }
 
@@ -266,6 +262,7 @@ void CTonalmancerView::attachContextMenu(std::string_view name, QWidget* widget)
 {
     QMenu* menu = ActionFactory::buildContextMenu(
         name, widget, [this](std::string_view id) { return m_frame.action(id); });
+    menu->setAccessibleName(tr("%1 commands").arg(widget->accessibleName()));
     registerContextMenu(name, menu);
     widget->setContextMenuPolicy(Qt::CustomContextMenu);
     auto* area = qobject_cast<QAbstractScrollArea*>(widget);

@@ -19,6 +19,8 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <tuple>
+
 namespace app {
 
 namespace {
@@ -179,6 +181,22 @@ void CTypeManagerDialog::buildMenus()
     ActionFactory::onTriggered(m_chordMenu, "types.saveDefaultChords", this,
                                [this, chordDefault] { saveChordTypes(chordDefault()); });
 
+    const std::tuple<const char*, bool, bool> chordSorts[] = {
+        {"types.sortChordsNameUp", false, true},
+        {"types.sortChordsNameDown", false, false},
+        {"types.sortChordsNotesUp", true, true},
+        {"types.sortChordsNotesDown", true, false},
+    };
+    for (const auto& [id, byNotes, upwards] : chordSorts) {
+        ActionFactory::onTriggered(m_chordMenu, id, this, [this, byNotes, upwards] {
+            if (byNotes)
+                m_types.sortByNotes(upwards);
+            else
+                m_types.sortByName(upwards);
+            refreshChordTypes();
+        });
+    }
+
     ActionFactory::onTriggered(m_scaleMenu, "types.removeScale", this, [this] { removeScales(); });
     ActionFactory::onTriggered(m_scaleMenu, "types.renameScale", this, [this] {
         if (auto* item = m_scaleList->currentItem())
@@ -203,6 +221,22 @@ void CTypeManagerDialog::buildMenus()
                                [this, scaleDefault] { loadScales(scaleDefault()); });
     ActionFactory::onTriggered(m_scaleMenu, "types.saveDefaultScales", this,
                                [this, scaleDefault] { saveScales(scaleDefault()); });
+
+    const std::tuple<const char*, bool, bool> scaleSorts[] = {
+        {"types.sortScalesNameUp", false, true},
+        {"types.sortScalesNameDown", false, false},
+        {"types.sortScalesNotesUp", true, true},
+        {"types.sortScalesNotesDown", true, false},
+    };
+    for (const auto& [id, byNotes, upwards] : scaleSorts) {
+        ActionFactory::onTriggered(m_scaleMenu, id, this, [this, byNotes, upwards] {
+            if (byNotes)
+                m_scales.sortByNotes(upwards);
+            else
+                m_scales.sortByName(upwards);
+            refreshScales();
+        });
+    }
 
     for (auto [list, menu] :
          {std::pair{m_chordList, m_chordMenu}, std::pair{m_scaleList, m_scaleMenu}}) {

@@ -6,43 +6,209 @@
 #include <QIODevice>
 #include <QMimeData>
 
+#include <algorithm>
+#include <type_traits>
+
 namespace app {
 
 namespace {
-
-// Each level of a position takes 16 bits of the item id, holding index + 1 (0: no such level).
-constexpr int kBits = 16;
-constexpr quintptr kMask = 0xFFFF;
 
 QString toQ(const std::string& text)
 {
     return QString::fromStdString(text);
 }
 
+// The levels of the tree as one shape: an item, its own fields and its children.
+template <typename Item> constexpr bool kHasChildren = !std::is_same_v<Item, music::Chord>;
+
+auto& childrenOf(music::ChordBaseGroup& item)
+{
+    return item.sections;
+}
+const auto& childrenOf(const music::ChordBaseGroup& item)
+{
+    return item.sections;
+}
+auto& childrenOf(music::ChordSection& item)
+{
+    return item.subsections;
+}
+const auto& childrenOf(const music::ChordSection& item)
+{
+    return item.subsections;
+}
+auto& childrenOf(music::ChordSubsection& item)
+{
+    return item.chords;
+}
+const auto& childrenOf(const music::ChordSubsection& item)
+{
+    return item.chords;
+}
+
+/** Copies the fields an item shows itself (not its children); true when they differed. */
+bool copyOwn(music::ChordBaseGroup& shown, const music::ChordBaseGroup& target)
+{
+    const bool changed = shown.name != target.name;
+    shown.name = target.name;
+    return changed;
+}
+bool copyOwn(music::ChordSection& shown, const music::ChordSection& target)
+{
+    const bool changed = shown.name != target.name || shown.scaleFlag != target.scaleFlag ||
+                         shown.notes != target.notes;
+    shown.name = target.name;
+    shown.scaleFlag = target.scaleFlag;
+    shown.notes = target.notes;
+    return changed;
+}
+bool copyOwn(music::ChordSubsection& shown, const music::ChordSubsection& target)
+{
+    const bool changed = shown.name != target.name;
+    shown.name = target.name;
+    return changed;
+}
+bool copyOwn(music::Chord& shown, const music::Chord& target)
+{
+    const bool changed = !(shown == target);
+    shown = target;
+    return changed;
+}
+
 } // namespace
 
 ChordCollectionModel::ChordCollectionModel(const music::ChordCollection& collection,
                                            QObject* parent)
-    : QAbstractItemModel(parent), m_collection(collection)
-{}
+    : QAbstractItemModel(parent), m_collection(collection), m_shown(collection)
+{
+    const auto& groups = m_shown.baseGroups();
+    for (std::size_t row = 0; row < groups.size(); ++row)
+        m_root.children.push_back(buildNode(&m_root, groups[row]));
+    renumber(m_root, 0);
+}
+
+ChordCollectionModel::~ChordCollectionModel() = default;
 
 void ChordCollectionModel::refresh()
 {
-    beginResetModel();
-    endResetModel();
+    syncList(m_root, m_shown.baseGroups(), m_collection.baseGroups());
 }
 
-quintptr ChordCollectionModel::encode(const music::TreePosition& p)
+// ---- keeping the shown copy in step ----------------------------------------------------------
+
+template <typename Item>
+void ChordCollectionModel::syncList(Node& parent, std::vector<Item>& shown,
+                                    const std::vector<Item>& target)
 {
-    const auto field = [](int value) { return static_cast<quintptr>(value + 1) & kMask; };
-    return field(p.baseGroup) | field(p.section) << kBits | field(p.subsection) << (2 * kBits) |
-           field(p.chord) << (3 * kBits);
+    const std::size_t n = shown.size();
+    const std::size_t m = target.size();
+    // Equal items at both ends stay as they are.
+    std::size_t head = 0;
+    while (head < n && head < m && shown[head] == target[head])
+        ++head;
+    std::size_t tail = 0;
+    while (tail < n - head && tail < m - head && shown[n - 1 - tail] == target[m - 1 - tail])
+        ++tail;
+    // Items that kept their name but changed inside are changed in place.
+    while (head < n - tail && head < m - tail && shown[head].name == target[head].name) {
+        syncItem(parent, static_cast<int>(head), shown[head], target[head]);
+        ++head;
+    }
+    while (tail < n - head && tail < m - head &&
+           shown[n - 1 - tail].name == target[m - 1 - tail].name) {
+        syncItem(parent, static_cast<int>(n - 1 - tail), shown[n - 1 - tail], target[m - 1 - tail]);
+        ++tail;
+    }
+    // The rest pairs up row by row; the surplus is removed or the shortfall inserted.
+    const std::size_t oldCount = n - head - tail;
+    const std::size_t newCount = m - head - tail;
+    const std::size_t paired = std::min(oldCount, newCount);
+    for (std::size_t i = head; i < head + paired; ++i)
+        syncItem(parent, static_cast<int>(i), shown[i], target[i]);
+    const auto at = static_cast<int>(head + paired);
+    if (oldCount > paired)
+        removeRows(parent, shown, at, static_cast<int>(oldCount - paired));
+    else if (newCount > paired)
+        insertRows<Item>(parent, shown, at, target.begin() + at,
+                         static_cast<int>(newCount - paired));
 }
 
-music::TreePosition ChordCollectionModel::decode(quintptr id)
+template <typename Item>
+void ChordCollectionModel::syncItem(Node& parent, int row, Item& shown, const Item& target)
 {
-    const auto field = [id](int shift) { return static_cast<int>((id >> shift) & kMask) - 1; };
-    return {field(0), field(kBits), field(2 * kBits), field(3 * kBits)};
+    if (shown == target)
+        return;
+    Node* node = parent.children[static_cast<std::size_t>(row)].get();
+    if (copyOwn(shown, target))
+        Q_EMIT dataChanged(createIndex(row, 0, node), createIndex(row, 1, node));
+    if constexpr (kHasChildren<Item>)
+        syncList(*node, childrenOf(shown), childrenOf(target));
+}
+
+template <typename Item>
+void ChordCollectionModel::removeRows(Node& parent, std::vector<Item>& shown, int first, int count)
+{
+    beginRemoveRows(indexOf(&parent), first, first + count - 1);
+    shown.erase(shown.begin() + first, shown.begin() + first + count);
+    parent.children.erase(parent.children.begin() + first, parent.children.begin() + first + count);
+    renumber(parent, first);
+    endRemoveRows();
+}
+
+template <typename Item>
+void ChordCollectionModel::insertRows(Node& parent, std::vector<Item>& shown, int at,
+                                      typename std::vector<Item>::const_iterator from, int count)
+{
+    beginInsertRows(indexOf(&parent), at, at + count - 1);
+    shown.insert(shown.begin() + at, from, from + count);
+    for (int i = 0; i < count; ++i)
+        parent.children.insert(parent.children.begin() + at + i, buildNode(&parent, *(from + i)));
+    renumber(parent, at);
+    endInsertRows();
+}
+
+template <typename Item>
+std::unique_ptr<ChordCollectionModel::Node> ChordCollectionModel::buildNode(Node* parent,
+                                                                            const Item& item)
+{
+    auto node = std::make_unique<Node>();
+    node->parent = parent;
+    if constexpr (kHasChildren<Item>) {
+        for (const auto& child : childrenOf(item))
+            node->children.push_back(buildNode(node.get(), child));
+        renumber(*node, 0);
+    }
+    return node;
+}
+
+void ChordCollectionModel::renumber(Node& parent, int from)
+{
+    for (std::size_t row = static_cast<std::size_t>(from); row < parent.children.size(); ++row)
+        parent.children[row]->row = static_cast<int>(row);
+}
+
+// ---- nodes, positions and indexes ------------------------------------------------------------
+
+ChordCollectionModel::Node* ChordCollectionModel::nodeOf(const QModelIndex& index) const
+{
+    if (!index.isValid())
+        return const_cast<Node*>(&m_root);
+    return static_cast<Node*>(index.internalPointer());
+}
+
+QModelIndex ChordCollectionModel::indexOf(const Node* node) const
+{
+    if (node == &m_root)
+        return {};
+    return createIndex(node->row, 0, node);
+}
+
+int ChordCollectionModel::depth(const Node* node)
+{
+    int levels = 0;
+    for (; node->parent != nullptr; node = node->parent)
+        ++levels;
+    return levels;
 }
 
 int ChordCollectionModel::depth(const music::TreePosition& p)
@@ -58,93 +224,52 @@ int ChordCollectionModel::depth(const music::TreePosition& p)
 
 music::TreePosition ChordCollectionModel::position(const QModelIndex& index) const
 {
-    if (!index.isValid())
-        return {};
-    return decode(index.internalId());
+    std::vector<int> rows; // from the item up
+    for (const Node* node = nodeOf(index); node->parent != nullptr; node = node->parent)
+        rows.push_back(node->row);
+    music::TreePosition p;
+    int* fields[] = {&p.baseGroup, &p.section, &p.subsection, &p.chord};
+    for (std::size_t level = 0; level < rows.size() && level < 4; ++level)
+        *fields[level] = rows[rows.size() - 1 - level];
+    return p;
 }
 
 QModelIndex ChordCollectionModel::index(const music::TreePosition& p, int column) const
 {
-    switch (depth(p)) {
-    case 1:
-        return index(p.baseGroup, column, {});
-    case 2:
-        return index(p.section, column, index(music::TreePosition::ofBaseGroup(p.baseGroup)));
-    case 3:
-        return index(p.subsection, column,
-                     index(music::TreePosition::ofSection(p.baseGroup, p.section)));
-    case 4:
-        return index(
-            p.chord, column,
-            index(music::TreePosition::ofSubsection(p.baseGroup, p.section, p.subsection)));
-    default:
+    const int levels = depth(p);
+    if (levels == 0 || column < 0 || column >= 2)
         return {};
+    const int rows[] = {p.baseGroup, p.section, p.subsection, p.chord};
+    const Node* node = &m_root;
+    for (int level = 0; level < levels; ++level) {
+        const int row = rows[level];
+        if (row < 0 || static_cast<std::size_t>(row) >= node->children.size())
+            return {};
+        node = node->children[static_cast<std::size_t>(row)].get();
     }
+    return createIndex(node->row, column, node);
 }
 
 QModelIndex ChordCollectionModel::index(int row, int column, const QModelIndex& parent) const
 {
-    if (row < 0 || column < 0 || column >= 2 || row >= rowCount(parent))
+    if (!hasIndex(row, column, parent))
         return {};
-    music::TreePosition p = position(parent);
-    switch (depth(p)) {
-    case 0:
-        p.baseGroup = row;
-        break;
-    case 1:
-        p.section = row;
-        break;
-    case 2:
-        p.subsection = row;
-        break;
-    case 3:
-        p.chord = row;
-        break;
-    default:
-        return {};
-    }
-    return createIndex(row, column, encode(p));
+    const Node* node = nodeOf(parent)->children[static_cast<std::size_t>(row)].get();
+    return createIndex(row, column, node);
 }
 
 QModelIndex ChordCollectionModel::parent(const QModelIndex& child) const
 {
-    music::TreePosition p = position(child);
-    switch (depth(p)) {
-    case 2:
-        return index(music::TreePosition::ofBaseGroup(p.baseGroup));
-    case 3:
-        return index(music::TreePosition::ofSection(p.baseGroup, p.section));
-    case 4:
-        return index(music::TreePosition::ofSubsection(p.baseGroup, p.section, p.subsection));
-    default:
+    if (!child.isValid())
         return {};
-    }
+    return indexOf(nodeOf(child)->parent);
 }
 
 int ChordCollectionModel::rowCount(const QModelIndex& parent) const
 {
     if (parent.isValid() && parent.column() != 0)
         return 0;
-    const music::TreePosition p = position(parent);
-    const auto& groups = m_collection.baseGroups();
-    const auto count = [](const auto& list) { return static_cast<int>(list.size()); };
-    switch (depth(p)) {
-    case 0:
-        return count(groups);
-    case 1:
-        return count(groups.at(static_cast<std::size_t>(p.baseGroup)).sections);
-    case 2:
-        return count(groups.at(static_cast<std::size_t>(p.baseGroup))
-                         .sections.at(static_cast<std::size_t>(p.section))
-                         .subsections);
-    case 3:
-        return count(groups.at(static_cast<std::size_t>(p.baseGroup))
-                         .sections.at(static_cast<std::size_t>(p.section))
-                         .subsections.at(static_cast<std::size_t>(p.subsection))
-                         .chords);
-    default:
-        return 0;
-    }
+    return static_cast<int>(nodeOf(parent)->children.size());
 }
 
 int ChordCollectionModel::columnCount(const QModelIndex&) const
@@ -175,7 +300,7 @@ QVariant ChordCollectionModel::data(const QModelIndex& index, int role) const
     if (!index.isValid())
         return {};
     const music::TreePosition p = position(index);
-    const auto& groups = m_collection.baseGroups();
+    const auto& groups = m_shown.baseGroups();
     if (role != Qt::DisplayRole && role != Qt::EditRole && role != Qt::ToolTipRole)
         return {};
     const auto b = static_cast<std::size_t>(p.baseGroup);
@@ -193,7 +318,7 @@ QVariant ChordCollectionModel::data(const QModelIndex& index, int role) const
         return index.column() == 0 ? toQ(sub.name) : QVariant();
     }
     case 4: {
-        const music::Chord* chord = m_collection.chordAt(p);
+        const music::Chord* chord = m_shown.chordAt(p);
         if (chord == nullptr)
             return {};
         return index.column() == 0 ? toQ(chord->name) : QVariant(chordNotesText(*chord));
@@ -228,7 +353,7 @@ Qt::ItemFlags ChordCollectionModel::flags(const QModelIndex& index) const
     Qt::ItemFlags result = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
     if (index.column() == 0)
         result |= Qt::ItemIsEditable;
-    const int level = depth(position(index));
+    const int level = depth(nodeOf(index));
     if (level == 4)
         result |= Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
     if (level == 3)

@@ -6,6 +6,7 @@
 #include <QAbstractItemModel>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -16,6 +17,11 @@ namespace app {
  * (collections) and chords. Column 0 holds the name, column 1 the notes. The model reads the
  * collection it is given and never changes it: renames and drops are handed to the owner, which
  * applies them as undoable edits and then calls `refresh`.
+ *
+ * The model shows a copy of the collection and mirrors its shape in a tree of nodes; each index
+ * points at its node, so an index names the same item for as long as the item is shown.
+ * `refresh` compares the copy with the collection and tells the views only what changed (rows
+ * removed, inserted or changed), so that open folders and the selection survive an edit.
  */
 class ChordCollectionModel : public QAbstractItemModel
 {
@@ -28,13 +34,15 @@ public:
     using DropHandler = std::function<void(const std::vector<music::TreePosition>& chords,
                                            const music::TreePosition& target, bool copy)>;
 
+    /** `collection` must outlive the model. */
     explicit ChordCollectionModel(const music::ChordCollection& collection,
                                   QObject* parent = nullptr);
+    ~ChordCollectionModel() override;
 
     void setRenameHandler(RenameHandler handler) { m_rename = std::move(handler); }
     void setDropHandler(DropHandler handler) { m_drop = std::move(handler); }
 
-    /** Tells the views that the collection changed as a whole. */
+    /** Brings the views up to date with the collection, row by row. */
     void refresh();
 
     music::TreePosition position(const QModelIndex& index) const;
@@ -65,12 +73,35 @@ public:
     static QString sectionNotesText(const music::ChordSection& section);
 
 private:
-    static quintptr encode(const music::TreePosition& position);
-    static music::TreePosition decode(quintptr id);
+    /** One shown item; its children mirror the item's children row for row. */
+    struct Node
+    {
+        Node* parent = nullptr;
+        int row = 0;
+        std::vector<std::unique_ptr<Node>> children;
+    };
+
+    Node* nodeOf(const QModelIndex& index) const;
+    QModelIndex indexOf(const Node* node) const;
+    static int depth(const Node* node);
     static int depth(const music::TreePosition& position);
     std::optional<music::TreePosition> dropTarget(int row, const QModelIndex& parent) const;
 
+    // Changing the shown copy, with the signals the views need.
+    template <typename Item>
+    void syncList(Node& parent, std::vector<Item>& shown, const std::vector<Item>& target);
+    template <typename Item> void syncItem(Node& parent, int row, Item& shown, const Item& target);
+    template <typename Item>
+    void removeRows(Node& parent, std::vector<Item>& shown, int first, int count);
+    template <typename Item>
+    void insertRows(Node& parent, std::vector<Item>& shown, int at,
+                    typename std::vector<Item>::const_iterator from, int count);
+    template <typename Item> static std::unique_ptr<Node> buildNode(Node* parent, const Item& item);
+    static void renumber(Node& parent, int from);
+
     const music::ChordCollection& m_collection;
+    music::ChordCollection m_shown;
+    Node m_root;
     RenameHandler m_rename;
     DropHandler m_drop;
 };

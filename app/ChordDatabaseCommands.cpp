@@ -122,7 +122,7 @@ void ChordDatabaseCommands::generateListWith(
 
 void ChordDatabaseCommands::generateList()
 {
-    CGenerateDialog dialog(QStringLiteral("Generate List"), m_panel.scales(), &m_panel);
+    CGenerateDialog dialog(CGenerateDialog::Mode::List, m_panel.scales(), &m_panel);
     if (dialog.exec() == QDialog::Accepted)
         generateListWith(dialog.options());
 }

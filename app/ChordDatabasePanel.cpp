@@ -45,6 +45,11 @@ ChordDatabasePanel::ChordDatabasePanel(ActionFactory::ActionLookup actions,
     m_tree->setObjectName(QStringLiteral("chordTree"));
     m_tree->setAccessibleName(tr("Chord database tree"));
     m_tree->setModel(m_model);
+    connect(m_model, &QAbstractItemModel::rowsInserted, this,
+            [this](const QModelIndex& where, int first, int last) {
+                if (!where.isValid())
+                    openNewGroups(first, last);
+            });
     m_tree->setToolTip(tr("The chord database: right-click for its commands, F2 renames, drag "
                           "chords to move them (Ctrl copies)."));
     m_tree->header()->resizeSection(0, 220);
@@ -182,11 +187,14 @@ void ChordDatabasePanel::renameCurrent(int level)
 void ChordDatabasePanel::refreshTree()
 {
     m_model->refresh();
+}
+
+void ChordDatabasePanel::openNewGroups(int first, int last)
+{
     // Small trees open fully; large generated ones only to their sections.
-    if (m_collection.chordCount() <= 200)
-        m_tree->expandToDepth(1);
-    else
-        m_tree->expandToDepth(0);
+    const int depth = m_collection.chordCount() <= 200 ? 1 : 0;
+    for (int row = first; row <= last; ++row)
+        m_tree->expandRecursively(m_model->index(row, 0), depth);
 }
 
 bool ChordDatabasePanel::applyEdit(const QString& text,
@@ -196,10 +204,11 @@ bool ChordDatabasePanel::applyEdit(const QString& text,
     music::ChordCollection after = m_collection;
     if (!edit(after) || after.baseGroups() == m_collection.baseGroups())
         return false;
-    const std::vector<TreePosition> selection = selectAfter ? selectAfter() : selectedPositions();
     m_undo->push(new ChordSnapshotCommand(text, m_collection, m_collection, std::move(after),
                                           [this] { refreshTree(); }));
-    selectPositions(selection);
+    // The selection follows its items through the change unless the edit names new ones.
+    if (selectAfter)
+        selectPositions(selectAfter());
     writeDefaultIfKept();
     return true;
 }

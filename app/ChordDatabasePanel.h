@@ -92,8 +92,8 @@ public:
     /**
      * Applies an edit to the chord database as one undoable step named `text`. Nothing is
      * recorded when `edit` returns false or leaves the database as it was. `selectAfter` names
-     * the items selected afterwards (the selection as it was, when empty). With the option on,
-     * the database is then written to "default.crd".
+     * the items selected afterwards; without it the selection follows its items. With the option
+     * on, the database is then written to "default.crd".
      */
     bool applyEdit(const QString& text, const std::function<bool(music::ChordCollection&)>& edit,
                    const std::function<std::vector<music::TreePosition>()>& selectAfter = {});
@@ -104,10 +104,12 @@ public:
     QString userFolder() const;
     /** Starts editing the name of the item of `level` (0: the current item) in place. */
     void renameCurrent(int level = 0);
-    /** Opens the tree after the collection was replaced as a whole. */
+    /** Shows the collection's changes in the tree (after it was changed directly). */
     void refreshTree();
 
 private:
+    /** Opens the base groups that just appeared, as far as the tree's size allows. */
+    void openNewGroups(int first, int last);
     void writeDefaultIfKept();
 
     music::DataFolder m_dataFolder;

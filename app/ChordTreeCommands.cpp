@@ -239,7 +239,7 @@ void ChordTreeCommands::generateBaseWith(const music::ChordDatabaseEdits::Genera
 
 void ChordTreeCommands::generateBase()
 {
-    CGenerateDialog dialog(QStringLiteral("Generate Base"), m_panel.scales(), &m_panel);
+    CGenerateDialog dialog(CGenerateDialog::Mode::Base, m_panel.scales(), &m_panel);
     if (dialog.exec() == QDialog::Accepted)
         generateBaseWith(dialog.options());
 }
@@ -299,7 +299,7 @@ void ChordTreeCommands::addChordFromList()
     const auto target = chordTarget();
     if (!target)
         return;
-    CChordFromListDialog dialog(m_panel.chordTypes(), &m_panel);
+    CChordFromListDialog dialog(m_panel.chordTypes(), m_panel.userFolder(), &m_panel);
     if (dialog.exec() != QDialog::Accepted)
         return;
     const music::Chord chord = dialog.chord();

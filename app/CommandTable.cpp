@@ -72,9 +72,9 @@ constexpr std::array kKeyAndToolbarOnly = {
     CommandEntry{"edit.redo", "", "Redo", "Ctrl+Shift+Z", "Redo the last undone change."},
 };
 
-constexpr std::array<std::string_view, 10> kContextMenuNames = {
+constexpr std::array<std::string_view, 12> kContextMenuNames = {
     "machineView", "chordTree", "partList", "patternList", "patternPresets", "partPresets",
-    "patternEditor", "settingsView", "chordTypes", "scaleTypes",
+    "patternEditor", "settingsView", "chordTypes", "scaleTypes", "chordPicker", "trackHeader",
 };
 
 constexpr std::array kContextMenus = {
@@ -187,13 +187,17 @@ constexpr std::array kContextMenus = {
     CommandEntry{"partPreset.saveDefault", "partPresets", "Save List As De&fault", "", "Save the presets as default.", false, kLater},
 
     // The pattern grid. Its last key is shown as the original keyboard labels it.
-    CommandEntry{"patternEditor.copy", "patternEditor", "&Copy", "Ctrl+C", "Copy the selected cells.", false, kLater},
-    CommandEntry{"patternEditor.cut", "patternEditor", "Cu&t", "Ctrl+X", "Cut the selected cells.", false, kLater},
-    CommandEntry{"patternEditor.paste", "patternEditor", "&Paste", "Ctrl+V", "Paste the copied cells.", false, kLater},
-    CommandEntry{"patternEditor.selectAll", "patternEditor", "Select &All", "Ctrl+A", "Select every cell.", false, kLater},
-    CommandEntry{"patternEditor.selectTrack", "patternEditor", "Select T&rack", "Ctrl+Shift+A", "Select the current track.", false, kLater},
-    CommandEntry{"patternEditor.clearSelected", "patternEditor", "C&lear Selected", "Del", "Clear the selected cells.", false, kLater},
-    CommandEntry{"patternEditor.clearPattern", "patternEditor", "Clear Patt&ern", "Ctrl+Entf", "Clear the whole pattern.", false, kLater},
+    CommandEntry{"patternEditor.copy", "patternEditor", "&Copy", "Ctrl+C", "Copy the selected cells."},
+    CommandEntry{"patternEditor.cut", "patternEditor", "Cu&t", "Ctrl+X", "Cut the selected cells."},
+    CommandEntry{"patternEditor.paste", "patternEditor", "&Paste", "Ctrl+V", "Paste the copied cells."},
+    CommandEntry{"patternEditor.selectAll", "patternEditor", "Select &All", "Ctrl+A", "Select every cell."},
+    CommandEntry{"patternEditor.selectTrack", "patternEditor", "Select T&rack", "Ctrl+Shift+A", "Select the current track."},
+    CommandEntry{"patternEditor.clearSelected", "patternEditor", "C&lear Selected", "Del", "Clear the selected cells."},
+    CommandEntry{"patternEditor.clearPattern", "patternEditor", "Clear Patt&ern", "Ctrl+Entf", "Clear the whole pattern."},
+
+    // The pattern grid's track headers: commands on the track right-clicked.
+    CommandEntry{"trackHeader.toggle", "trackHeader", "Track &On", "Ctrl+M", "Turn the track on or off."},
+    CommandEntry{"patternEditor.selectTrack", "trackHeader", "Select T&rack", "", "Select the track."},
 
     // The part settings.
     CommandEntry{"view.showBmx", "settingsView", "Show &Bmx", "", "Switch machine view."},
@@ -203,6 +207,10 @@ constexpr std::array kContextMenus = {
     CommandEntry{"types.removeChord", "chordTypes", "&Remove", "Del", "Remove the selected chord types."},
     CommandEntry{"types.renameChord", "chordTypes", "&Settings", "Ctrl+R", "Rename the selected chord type."},
     CommandEntry{"types.addChord", "chordTypes", "&Add", "", "Define a new chord type."},
+    CommandEntry{"types.sortChordsNameUp", "chordTypes|S&ort|By &Name", "&Upwards", "", "Sort the chord types by name."},
+    CommandEntry{"types.sortChordsNameDown", "chordTypes|S&ort|By &Name", "&Downwards", "", "Sort the chord types by name, last first."},
+    CommandEntry{"types.sortChordsNotesUp", "chordTypes|S&ort|By N&otes", "&Upwards", "", "Sort the chord types by their notes, lowest first."},
+    CommandEntry{"types.sortChordsNotesDown", "chordTypes|S&ort|By N&otes", "&Downwards", "", "Sort the chord types by their notes, highest first."},
     CommandEntry{"types.newChords", "chordTypes", "&New", "", "Start an empty chord type list."},
     CommandEntry{"types.loadChords", "chordTypes", "&Load", "", "Load chord types from file."},
     CommandEntry{"types.saveChords", "chordTypes", "Sa&ve", "", "Save the chord types to file."},
@@ -211,11 +219,23 @@ constexpr std::array kContextMenus = {
     CommandEntry{"types.removeScale", "scaleTypes", "&Remove", "Del", "Remove the selected scales."},
     CommandEntry{"types.renameScale", "scaleTypes", "&Settings", "Ctrl+R", "Rename the selected scale."},
     CommandEntry{"types.addScale", "scaleTypes", "&Add", "", "Add a scale."},
+    CommandEntry{"types.sortScalesNameUp", "scaleTypes|S&ort|By &Name", "&Upwards", "", "Sort the scales by name."},
+    CommandEntry{"types.sortScalesNameDown", "scaleTypes|S&ort|By &Name", "&Downwards", "", "Sort the scales by name, last first."},
+    CommandEntry{"types.sortScalesNotesUp", "scaleTypes|S&ort|By N&otes", "&Upwards", "", "Sort the scales by their notes, lowest first."},
+    CommandEntry{"types.sortScalesNotesDown", "scaleTypes|S&ort|By N&otes", "&Downwards", "", "Sort the scales by their notes, highest first."},
     CommandEntry{"types.newScales", "scaleTypes", "&New", "", "Start an empty scale list."},
     CommandEntry{"types.loadScales", "scaleTypes", "&Load", "", "Load scales from file."},
     CommandEntry{"types.saveScales", "scaleTypes", "Sa&ve", "", "Save the scales to file."},
     CommandEntry{"types.loadDefaultScales", "scaleTypes", "Load &Default", "", "Restore the default scales."},
     CommandEntry{"types.saveDefaultScales", "scaleTypes", "Save As De&fault", "", "Save the scales as default."},
+
+    // The chord-list picker of "Add Chord > From List".
+    CommandEntry{"picker.apply", "chordPicker", "&Apply", "Return", "Add the chord of the selected type."},
+    CommandEntry{"picker.sortNameUp", "chordPicker|S&ort|By &Name", "&Upwards", "", "Sort the chord types by name."},
+    CommandEntry{"picker.sortNameDown", "chordPicker|S&ort|By &Name", "&Downwards", "", "Sort the chord types by name, last first."},
+    CommandEntry{"picker.sortNotesUp", "chordPicker|S&ort|By N&otes", "&Upwards", "", "Sort the chord types by their notes, lowest first."},
+    CommandEntry{"picker.sortNotesDown", "chordPicker|S&ort|By N&otes", "&Downwards", "", "Sort the chord types by their notes, highest first."},
+    CommandEntry{"picker.loadList", "chordPicker", "&Load Chord List", "F6", "Load chord types from file."},
 };
 // clang-format on
 

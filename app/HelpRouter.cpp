@@ -1,5 +1,6 @@
 #include "app/HelpRouter.h"
 
+#include "app/CHelpWindow.h"
 #include "app/MessageBoxes.h"
 
 #include <QDesktopServices>
@@ -23,6 +24,8 @@ HelpRouter::UrlOpener& urlOpener()
 constexpr unsigned kBit15 = 0x8000;
 
 } // namespace
+
+HelpRouter::~HelpRouter() = default;
 
 HelpRouter::HelpRouter(QString manualPath) : m_manualPath(std::move(manualPath))
 {
@@ -124,9 +127,18 @@ void HelpRouter::setUrlOpener(UrlOpener opener)
 
 bool HelpRouter::open(const QUrl& url)
 {
-    if (urlOpener())
-        return urlOpener()(url);
-    return QDesktopServices::openUrl(url);
+    if (urlOpener() ? urlOpener()(url) : QDesktopServices::openUrl(url))
+        return true;
+    if (!m_window) {
+        m_window = std::make_unique<CHelpWindow>();
+        if (!m_windowRect.isNull())
+            m_window->setGeometry(m_windowRect);
+    }
+    m_window->showPage(url);
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+    return true;
 }
 
 } // namespace app

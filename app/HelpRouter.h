@@ -5,15 +5,18 @@
 #include <QUrl>
 
 #include <functional>
+#include <memory>
 
 class QWidget;
 
 namespace app {
 
+class CHelpWindow;
+
 /**
- * The program's help: the HTML manual beside the executable, opened in the user's browser, and
- * the classic help requests of the windows routed to it. Requests it cannot serve are answered
- * with fixed messages.
+ * The program's help: the HTML manual beside the executable, opened in the user's browser (or in
+ * a help window of the program's own when no browser starts), and the classic help requests of
+ * the windows routed to it. Requests it cannot serve are answered with fixed messages.
  */
 class HelpRouter
 {
@@ -42,6 +45,9 @@ public:
 
     /** `manualPath` is the manual's index page; empty when the program has no manual. */
     explicit HelpRouter(QString manualPath = {});
+    ~HelpRouter();
+    HelpRouter(const HelpRouter&) = delete;
+    HelpRouter& operator=(const HelpRouter&) = delete;
 
     /** Finds "docs/index.html" beside the executable or in the installed documentation. */
     static QString findManual(const QString& applicationDir);
@@ -76,13 +82,17 @@ public:
     QRect windowRect() const { return m_windowRect; }
 
     static void setUrlOpener(UrlOpener opener);
+    /** The program's own help window; nullptr until a page was shown in it. */
+    CHelpWindow* helpWindow() const { return m_window.get(); }
 
 private:
+    /** Opens a page in the browser, else in the program's own help window. */
     bool open(const QUrl& url);
 
     QString m_manualPath;
     QString m_manualText; // for the anchor look-up of context numbers
     QRect m_windowRect;
+    std::unique_ptr<CHelpWindow> m_window;
 };
 
 } // namespace app

@@ -2,7 +2,11 @@
 
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
+#include "music/StableSortBy.h"
+
+#include "music/TextLineReader.h"
 #include "music/TwoLineRecords.h"
+#include <algorithm>
 
 namespace music {
 
@@ -46,6 +50,27 @@ void ChordTypeList::rename(std::size_t index, std::string name)
 {
     if (index < m_types.size())
         m_types[index].setName(std::move(name));
+}
+
+void ChordTypeList::sortByName(bool upwards)
+{
+    stableSortBy(
+        m_types, [](const ChordType& type) { return toLower(type.name()); }, upwards);
+}
+
+void ChordTypeList::sortByNotes(bool upwards)
+{
+    stableSortBy(
+        m_types,
+        [](const ChordType& type) {
+            const IntervalList intervals = type.intervals();
+            std::vector<std::uint8_t> notes;
+            if (!intervals.isError())
+                notes = intervals.semitones();
+            std::sort(notes.begin(), notes.end());
+            return notes;
+        },
+        upwards);
 }
 
 Result ChordTypeList::read(std::string_view bytes)

@@ -52,6 +52,13 @@ public:
     Result addChecked(std::string name, std::string_view construction);
     void remove(std::size_t index);
     void rename(std::size_t index, std::string name);
+    /** Orders the types by name, ignoring case; equal names keep their order. */
+    void sortByName(bool upwards);
+    /**
+     * Orders the types by their notes on one root, compared lowest note first (as the chord
+     * database sorts chords); a construction that does not parse counts as no notes.
+     */
+    void sortByNotes(bool upwards);
     void clear() { m_types.clear(); }
 
     /** Keeps only the characters a construction string may hold. */

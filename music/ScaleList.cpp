@@ -2,8 +2,11 @@
 
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
+#include "music/StableSortBy.h"
+
 #include "music/TextLineReader.h"
 #include "music/TwoLineRecords.h"
+#include <algorithm>
 
 namespace music {
 
@@ -50,6 +53,24 @@ void ScaleList::rename(std::size_t index, std::string name)
 {
     if (index < m_scales.size())
         m_scales[index].setName(std::move(name));
+}
+
+void ScaleList::sortByName(bool upwards)
+{
+    stableSortBy(
+        m_scales, [](const ScaleType& scale) { return toLower(scale.name()); }, upwards);
+}
+
+void ScaleList::sortByNotes(bool upwards)
+{
+    stableSortBy(
+        m_scales,
+        [](const ScaleType& scale) {
+            std::vector<PitchClass> notes = scale.pitchClassesFrom(0);
+            std::sort(notes.begin(), notes.end());
+            return notes;
+        },
+        upwards);
 }
 
 void ScaleList::remove(std::size_t index)

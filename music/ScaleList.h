@@ -47,6 +47,10 @@ public:
     void rename(std::size_t index, std::string name);
     void remove(std::size_t index);
     void clear() { m_scales.clear(); }
+    /** Orders the scales by name, ignoring case; equal names keep their order. */
+    void sortByName(bool upwards);
+    /** Orders the scales by their notes from the base note, compared lowest note first. */
+    void sortByNotes(bool upwards);
 
     /** The pattern the dialog would store for `input`, or "Error in String". */
     static Result patternFromInput(std::string_view input, std::string& pattern);

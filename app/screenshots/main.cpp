@@ -1,6 +1,7 @@
 // Takes the screenshots of the manual: starts the program as a user would, opens the main window
 // and each dialog in turn, and saves what they show as PNG files into the folder given.
 #include "app/CAboutDialog.h"
+#include "app/CChordFromListDialog.h"
 #include "app/CChordTypeDialog.h"
 #include "app/CFindDialog.h"
 #include "app/CGenerateDialog.h"
@@ -22,6 +23,8 @@
 #include "app/PartListModel.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
+#include "app/PatternGridPanel.h"
+#include "part/PartFile.h"
 
 #include <QApplication>
 #include <QDir>
@@ -129,7 +132,7 @@ int main(int argc, char* argv[])
     forbid.setFlags({1, 0, 1, 1, 1, 1, 0, 1, 1, 1, 1, 1});
     save(forbid, folder, QStringLiteral("forbid-notes-dialog"));
 
-    app::CGenerateDialog generate(QStringLiteral("Generate List"), chords.scales(), &frame);
+    app::CGenerateDialog generate(app::CGenerateDialog::Mode::List, chords.scales(), &frame);
     save(generate, folder, QStringLiteral("generate-dialog"));
     app::CFindDialog find(QStringLiteral("Find chord"),
                           chordCommands.chordSearch().includeHistory(),
@@ -148,6 +151,8 @@ int main(int argc, char* argv[])
     save(intervals, folder, QStringLiteral("interval-list"));
     app::CScaleGroupDialog group(QStringLiteral("Add Scale/Group"), chords.scales(), &frame);
     save(group, folder, QStringLiteral("scale-group-dialog"));
+    app::CChordFromListDialog picker(chords.chordTypes(), QString(), &frame);
+    save(picker, folder, QStringLiteral("chord-from-list"));
     chordCommands.findScaleWith(
         {true, false, true, false, true, false, false, true, false, false, false, false}, QString(),
         QString());
@@ -164,6 +169,17 @@ int main(int argc, char* argv[])
         view.showMachineView(false);
     }
     app::MessageBoxes::setHandler({});
+
+    // The pattern editor on the demo part's first pattern, its first chord chosen.
+    part::Part demo;
+    if (part::PartFile::load(tonalmancer.dataFolder().file(part::PartFile::kDefaultFileName),
+                             demo)) {
+        view.partSession()->loadPart(demo, QString());
+        view.partSession()->setCurrentChord(0);
+        auto* grid = qobject_cast<app::PatternGridPanel*>(view.regions().patternGrid);
+        grid->moveCursorTo(2, 1);
+        save(*grid, folder, QStringLiteral("pattern-editor"));
+    }
 
     app::CAboutDialog about(&frame);
     save(about, folder, QStringLiteral("about"));

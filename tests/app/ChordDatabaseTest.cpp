@@ -1,16 +1,27 @@
 // The chord database as the tree shows it: generation, edits, undo, files and the tree model.
 #include "AppTestSupport.h"
 
+#include "app/CGenerateDialog.h"
 #include "app/CTreeCtrlX.h"
 #include "app/ChordCollectionModel.h"
 #include "music/ChordDatabaseEdits.h"
 
 #include <QAbstractItemModelTester>
+#include <QAction>
+#include <QApplication>
 #include <QCoreApplication>
 #include <QFile>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
 #include <QUndoStack>
+
+#include <functional>
+#include <optional>
+#include <tuple>
 
 namespace {
 
@@ -62,6 +73,80 @@ TEST(ChordCollectionModel, PassesTheModelTesterAndMapsPositionsBothWays)
     // Only chords are dragged, and they land on collections and chords.
     EXPECT_TRUE(model.flags(index) & Qt::ItemIsDragEnabled);
     EXPECT_FALSE(model.flags(model.index(TreePosition::ofSection(0, 0))) & Qt::ItemIsDragEnabled);
+}
+
+TEST(ChordCollectionModel, ItemsKeepTheirIndexesThroughChangesWithoutAReset)
+{
+    // Each change is made to the collection, then shown; an index held on chord "e" and on
+    // collection "B" must follow its item, as the tree's selection and open folders do.
+    struct Case
+    {
+        const char* what;
+        std::function<void(ChordCollection&)> change;
+        std::optional<TreePosition> e;
+        std::optional<TreePosition> b;
+    };
+    const auto chordsOfA = [](ChordCollection& c) -> std::vector<music::Chord>& {
+        return c.baseGroups()[0].sections[0].subsections[0].chords;
+    };
+    const Case cases[] = {
+        {"insert before the first chord",
+         [&](ChordCollection& c) {
+             auto& chords = chordsOfA(c);
+             chords.insert(chords.begin(), music::Chord::fromNotes("b", {47}));
+         },
+         TreePosition::ofChord(0, 0, 0, 3), TreePosition::ofSubsection(0, 0, 1)},
+        {"remove the first chord",
+         [&](ChordCollection& c) { chordsOfA(c).erase(chordsOfA(c).begin()); },
+         TreePosition::ofChord(0, 0, 0, 1), TreePosition::ofSubsection(0, 0, 1)},
+        {"rename and renote in place",
+         [&](ChordCollection& c) {
+             c.baseGroups()[0].sections[0].subsections[0].name = "Ay";
+             chordsOfA(c)[2].slots[0] = 40;
+         },
+         TreePosition::ofChord(0, 0, 0, 2), TreePosition::ofSubsection(0, 0, 1)},
+        {"remove the collection holding e",
+         [](ChordCollection& c) {
+             auto& subs = c.baseGroups()[0].sections[0].subsections;
+             subs.erase(subs.begin());
+         },
+         std::nullopt, TreePosition::ofSubsection(0, 0, 0)},
+        {"add a base group in front",
+         [](ChordCollection& c) {
+             c.baseGroups().insert(c.baseGroups().begin(), {"F", {}});
+         },
+         TreePosition::ofChord(1, 0, 0, 2), TreePosition::ofSubsection(1, 0, 1)},
+        {"replace everything", [](ChordCollection& c) { c = ChordCollection(); }, std::nullopt,
+         std::nullopt},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        ChordCollection collection = smallCollection();
+        app::ChordCollectionModel model(collection);
+        QAbstractItemModelTester tester(&model,
+                                        QAbstractItemModelTester::FailureReportingMode::Fatal);
+        QSignalSpy resets(&model, &QAbstractItemModel::modelAboutToBeReset);
+        const QPersistentModelIndex e = model.index(TreePosition::ofChord(0, 0, 0, 2));
+        const QPersistentModelIndex b = model.index(TreePosition::ofSubsection(0, 0, 1));
+        ASSERT_EQ(e.data().toString(), QStringLiteral("e"));
+
+        c.change(collection);
+        model.refresh();
+        EXPECT_EQ(resets.count(), 0);
+        EXPECT_EQ(e.isValid(), c.e.has_value());
+        if (c.e) {
+            EXPECT_EQ(model.position(e), *c.e);
+            EXPECT_EQ(e.data().toString(), QStringLiteral("e"));
+            EXPECT_EQ(model.index(*c.e, 1).data().toString(),
+                      app::ChordCollectionModel::chordNotesText(*collection.chordAt(*c.e)));
+        }
+        EXPECT_EQ(b.isValid(), c.b.has_value());
+        if (c.b) {
+            EXPECT_EQ(model.position(b), *c.b);
+            EXPECT_EQ(b.data().toString(), QStringLiteral("B"));
+        }
+        EXPECT_EQ(model.rowCount(), static_cast<int>(collection.baseGroups().size()));
+    }
 }
 
 using ChordDatabaseView = apptest::AppFixture;
@@ -276,6 +361,179 @@ TEST_F(ChordDatabaseView, AddingACollectionNeedsAScaleGroupSelected)
     chords().treeCommands().addCollection();
     ASSERT_EQ(chords().collection().baseGroups()[0].sections[0].subsections.size(), 3u);
     EXPECT_EQ(chords().collection().baseGroups()[0].sections[0].subsections[2].name, "noname");
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ChordDatabaseView, EditsUndoAndRedoKeepOpenFoldersAndTheSelection)
+{
+    // The user opened collection "A", closed group "H" and selected chord "e"; then an edit
+    // elsewhere is made, undone and redone.
+    using Edit = std::function<void(app::ChordDatabasePanel&)>;
+    const auto edit = [](const char* text, std::function<bool(ChordCollection&)> change) {
+        return [text, change](app::ChordDatabasePanel& panel) {
+            panel.applyEdit(QString::fromLatin1(text), change);
+        };
+    };
+    const std::pair<const char*, Edit> cases[] = {
+        {"rename another collection", edit("Rename",
+                                           [](ChordCollection& c) {
+                                               return ChordDatabaseEdits::rename(
+                                                   c, TreePosition::ofSubsection(0, 0, 1), "Bee");
+                                           })},
+        {"remove a chord before e", edit("Remove",
+                                         [](ChordCollection& c) {
+                                             return ChordDatabaseEdits::remove(
+                                                        c, {TreePosition::ofChord(0, 0, 0, 0)}) > 0;
+                                         })},
+        {"paste before the first chord", edit("Paste Insert",
+                                              [](ChordCollection& c) {
+                                                  return !ChordDatabaseEdits::insertChords(
+                                                              c, TreePosition::ofChord(0, 0, 0, 0),
+                                                              {music::Chord::fromNotes("x", {40})})
+                                                              .empty();
+                                              })},
+        {"sort another collection", edit("Sort Downwards",
+                                         [](ChordCollection& c) {
+                                             return ChordDatabaseEdits::sortChords(
+                                                 c, TreePosition::ofSubsection(1, 0, 0), false);
+                                         })},
+        {"add a base group",
+         edit("Add Base", [](ChordCollection& c) { return c.addBaseGroup("noname") >= 0; })},
+    };
+    app::ChordDatabasePanel& panel = chords();
+    app::CTreeCtrlX* tree = panel.tree();
+    const auto check = [&](const char* when) {
+        SCOPED_TRACE(when);
+        app::ChordCollectionModel& model = *panel.model();
+        QModelIndex a, h;
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const QModelIndex group = model.index(row, 0);
+            if (group.data().toString() == QStringLiteral("H"))
+                h = group;
+            if (group.data().toString() == QStringLiteral("G"))
+                a = model.index(0, 0, model.index(0, 0, group));
+        }
+        ASSERT_TRUE(a.isValid() && h.isValid());
+        EXPECT_TRUE(tree->isExpanded(a));
+        EXPECT_FALSE(tree->isExpanded(h));
+        const QModelIndexList selected = tree->selectionModel()->selectedRows(0);
+        ASSERT_EQ(selected.size(), 1);
+        EXPECT_EQ(selected.front().data().toString(), QStringLiteral("e"));
+    };
+    for (const auto& [what, change] : cases) {
+        SCOPED_TRACE(what);
+        ChordCollection start = smallCollection();
+        start.baseGroups().push_back(
+            {"H",
+             {music::ChordSection{
+                 "T",
+                 false,
+                 {},
+                 {{"C",
+                   {music::Chord::fromNotes("g", {43}), music::Chord::fromNotes("h", {55})}}}}}});
+        panel.collection() = start;
+        panel.refreshTree();
+        tree->collapseAll();
+        tree->expand(panel.model()->index(TreePosition::ofBaseGroup(0)));
+        tree->expand(panel.model()->index(TreePosition::ofSection(0, 0)));
+        tree->expand(panel.model()->index(TreePosition::ofSubsection(0, 0, 0)));
+        panel.selectPosition(TreePosition::ofChord(0, 0, 0, 2));
+        panel.undoStack()->clear();
+        QAbstractItemModelTester tester(panel.model(),
+                                        QAbstractItemModelTester::FailureReportingMode::Fatal);
+
+        change(panel);
+        ASSERT_EQ(panel.undoStack()->count(), 1);
+        check("after the edit");
+        panel.undoStack()->undo();
+        EXPECT_EQ(panel.collection().baseGroups(), start.baseGroups());
+        check("after undo");
+        panel.undoStack()->redo();
+        check("after redo");
+    }
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ChordDatabaseView, F2RenamesInTheTreeAndOpensTheManagerElsewhere)
+{
+    chords().collection() = smallCollection();
+    chords().refreshTree();
+    EXPECT_TRUE(chords().tree()->toolTip().contains(QStringLiteral("F2 renames")));
+    frame().show();
+    frame().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+
+    struct Case
+    {
+        const char* where;
+        QWidget* focus;
+        bool renames;
+    };
+    const Case cases[] = {
+        {"chord tree", chords().tree(), true},
+        {"part list", view().regions().partList, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.where);
+        chords().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
+        c.focus->setFocus();
+        QString opened; // the title of a dialog that F2 opened, closed again at once
+        QTimer::singleShot(0, [&opened] {
+            if (QWidget* modal = QApplication::activeModalWidget()) {
+                opened = modal->windowTitle();
+                modal->close();
+            }
+        });
+        QTest::keyClick(c.focus, Qt::Key_F2);
+        QCoreApplication::processEvents();
+        const auto* editor = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        const bool renaming = editor != nullptr && chords().tree()->isAncestorOf(editor);
+        EXPECT_EQ(renaming, c.renames);
+        EXPECT_EQ(opened.isEmpty(), c.renames) << opened.toStdString();
+        if (renaming) {
+            EXPECT_EQ(editor->text(), QStringLiteral("d"));
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        }
+    }
+    frame().hide();
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ChordDatabaseView, GenerationDialogOffersTheNameOnlyWhereItIsUsed)
+{
+    // "Generate List" names its two groups itself; "Generate Base" names its group as typed.
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {"chords.generate", "Generate List", false},
+        {"tree.generateBase", "Generate Base", true},
+    };
+    for (const auto& [id, title, nameUsed] : cases) {
+        SCOPED_TRACE(id);
+        QAction* command = frame().action(id);
+        if (command == nullptr)
+            command = view().contextMenu("chordTree")->findChild<QAction*>(QString::fromLatin1(id));
+        ASSERT_NE(command, nullptr);
+        bool seen = false;
+        QTimer::singleShot(0, [&, title = title, nameUsed = nameUsed] {
+            auto* dialog = qobject_cast<app::CGenerateDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            seen = true;
+            EXPECT_EQ(dialog->windowTitle(), QString::fromLatin1(title));
+            EXPECT_EQ(dialog->nameEdit()->text(), QStringLiteral("noname"));
+            EXPECT_EQ(dialog->nameEdit()->isEnabled(), nameUsed);
+            dialog->reject();
+        });
+        command->trigger();
+        EXPECT_TRUE(seen);
+    }
 }
 
 } // namespace

@@ -46,6 +46,7 @@ const std::pair<const char*, QStringList> kExpectedMenus[] = {
     {"patternEditor", {"Copy\tCtrl+C", "Cut\tCtrl+X", "Paste\tCtrl+V", "Select All\tCtrl+A",
         "Select Track\tCtrl+Shift+A", "Clear Selected\tDel", "Clear Pattern\tCtrl+Entf"}},
     {"settingsView", {"Show Bmx", "Reset"}},
+    {"trackHeader", {"Track On\tCtrl+M", "Select Track"}},
 };
 // clang-format on
 

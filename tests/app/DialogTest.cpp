@@ -1,4 +1,6 @@
 // What the small dialogs hand back for what the user entered.
+#include "AppTestSupport.h"
+
 #include "app/CChordDialog.h"
 #include "app/CChordFromListDialog.h"
 #include "app/CGenerateDialog.h"
@@ -7,11 +9,19 @@
 #include "music/ChordTypeList.h"
 #include "music/ScaleList.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFile>
+#include <QFileDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QSpinBox>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
 
 #include <gtest/gtest.h>
 
@@ -82,15 +92,78 @@ TEST(ChordFromListDialog, BuildsTheChordOfATypeInTheChosenOctave)
     const music::Chord chord = dialog.chord();
     EXPECT_EQ(chord.name, "Amaj");
     EXPECT_EQ(chord.notes(), (std::vector<music::NoteValue>{45, 49, 52}));
-    dialog.typeBox()->setCurrentIndex(1);
+    dialog.typeList()->setCurrentItem(dialog.typeList()->topLevelItem(1));
     EXPECT_EQ(dialog.chord().noteCount(), 0); // an invalid type makes no chord
+}
+
+TEST(ChordFromListDialog, SortsAndLoadsItsOwnListAndAppliesTheSelectedType)
+{
+    apptest::MessageRecorder messages;
+    music::ChordTypeList types;
+    types.add("m", "1;b3;5;");
+    types.add("7", "1;3;5;b7;");
+    types.add("Dim", "1;b3;b5;");
+    app::CChordFromListDialog dialog(types);
+    const auto names = [&dialog] {
+        QStringList list;
+        for (int row = 0; row < dialog.typeList()->topLevelItemCount(); ++row)
+            list << dialog.typeList()->topLevelItem(row)->text(0);
+        return list;
+    };
+    const auto trigger = [&dialog](const char* id) {
+        QAction* item = dialog.contextMenu()->findChild<QAction*>(QString::fromLatin1(id));
+        ASSERT_NE(item, nullptr) << id;
+        item->trigger();
+    };
+    dialog.typeList()->setCurrentItem(dialog.typeList()->topLevelItem(1)); // "7"
+    trigger("picker.sortNameUp");
+    EXPECT_EQ(names(), (QStringList{"7", "Dim", "m"}));
+    trigger("picker.sortNotesUp");
+    EXPECT_EQ(names(), (QStringList{"Dim", "m", "7"}));
+    EXPECT_EQ(dialog.chord().name, "C7"); // the selection follows its type
+    EXPECT_EQ(types.at(0).name(), "m");   // the program's list is left as it was
+
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("other.ccl"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("Tonalmancer_ConstructChords\n1\nsus4\n1;4;5;\n");
+    file.close();
+    EXPECT_FALSE(dialog.loadChordList(dir.filePath(QStringLiteral("missing.ccl"))));
+    EXPECT_EQ(messages.texts(), QStringList{QStringLiteral("Error opening file.")});
+    EXPECT_EQ(names().size(), 3);
+    ASSERT_TRUE(dialog.loadChordList(path));
+    EXPECT_EQ(names(), QStringList{QStringLiteral("sus4")});
+
+    trigger("picker.apply");
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.chord().name, "Csus4");
+}
+
+TEST(ChordFromListDialog, F6AsksForAChordListToLoad)
+{
+    music::ChordTypeList types;
+    types.add("maj", "1;3;5;");
+    app::CChordFromListDialog dialog(types);
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    QString asked;
+    QTimer::singleShot(0, [&asked] {
+        if (auto* files = qobject_cast<QFileDialog*>(QApplication::activeModalWidget())) {
+            asked = files->windowTitle();
+            files->reject();
+        }
+    });
+    QTest::keyClick(dialog.typeList(), Qt::Key_F6);
+    EXPECT_EQ(asked, QStringLiteral("Load Chord List"));
+    EXPECT_EQ(dialog.typeList()->topLevelItemCount(), 1); // cancelled: the list stays
 }
 
 TEST(GenerateDialog, StartsAsNonameAndMapsTheScaleOntoItsBaseNote)
 {
     music::ScaleList scales;
     scales.add("major", "xoxoxxoxoxox");
-    app::CGenerateDialog dialog(QStringLiteral("Generate Base"), scales);
+    app::CGenerateDialog dialog(app::CGenerateDialog::Mode::Base, scales);
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Generate Base"));
     EXPECT_EQ(dialog.nameEdit()->text(), QStringLiteral("noname"));
     EXPECT_FALSE(dialog.options().scale.has_value());

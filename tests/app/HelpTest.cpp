@@ -2,11 +2,19 @@
 #include "AppTestSupport.h"
 
 #include "app/CAboutDialog.h"
+#include "app/CFindDialog.h"
+#include "app/CTreeCtrlX.h"
 #include "app/HelpRouter.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QScrollBar>
+#include <QComboBox>
 #include <QFile>
 #include <QListWidget>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QTextBrowser>
 
 namespace {
 
@@ -127,6 +135,114 @@ TEST(Manual, IsShippedBesideTheProgram)
     const QString manual = HelpRouter::findManual(QStringLiteral(TM_BINARY_DIR "/bin"));
     ASSERT_FALSE(manual.isEmpty());
     EXPECT_TRUE(manual.endsWith(QStringLiteral("docs/index.html")));
+}
+
+} // namespace
+
+namespace {
+
+/** The program's own help window, when one is shown: its text browser. */
+QTextBrowser* shownHelpBrowser()
+{
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible())
+            continue;
+        if (auto* browser = window->findChild<QTextBrowser*>())
+            return browser;
+    }
+    return nullptr;
+}
+
+TEST_F(Help, WithoutABrowserTheManualOpensInTheProgramsOwnWindowAtItsTopic)
+{
+    HelpRouter::setUrlOpener([this](const QUrl& url) {
+        m_opened << url;
+        return false; // no browser could be started
+    });
+    // A long page, so that showing topic 9 means scrolling to it.
+    QFile page(m_dir.filePath(QStringLiteral("long.html")));
+    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+    page.write("<h2 id=\"topic-1\">One</h2>");
+    for (int i = 0; i < 200; ++i)
+        page.write("<p>filler</p>");
+    page.write("<h2 id=\"topic-9\">Nine</h2><p>last</p>");
+    page.close();
+    HelpRouter help(page.fileName());
+    help.request(nullptr, HelpRouter::kSetWindowPosition, 0, {0, 0, 512, 512});
+    help.request(nullptr, HelpRouter::kContext, 9);
+    QTextBrowser* browser = shownHelpBrowser();
+    ASSERT_NE(browser, nullptr);
+    EXPECT_TRUE(m_messages.texts().isEmpty());
+    EXPECT_EQ(browser->source().fragment(), QStringLiteral("topic-9"));
+    QCoreApplication::processEvents();
+    EXPECT_GT(browser->verticalScrollBar()->value(), 0);
+    // The window takes the size the last position request asked for (the window system may
+    // move it by its frame).
+    EXPECT_EQ(browser->window()->size(), help.windowRect().size());
+    EXPECT_TRUE(help.openTopics());
+    EXPECT_TRUE(browser->source().fragment().isEmpty());
+    EXPECT_EQ(browser->verticalScrollBar()->value(), 0);
+}
+
+class HelpInTheWindow : public apptest::AppFixture
+{
+protected:
+    void SetUp() override
+    {
+        AppFixture::SetUp();
+        HelpRouter::setUrlOpener([this](const QUrl& url) {
+            m_opened << url;
+            return m_browserWorks;
+        });
+        frame().show();
+        frame().activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+    }
+    void TearDown() override
+    {
+        HelpRouter::setUrlOpener({});
+        if (QTextBrowser* browser = shownHelpBrowser())
+            browser->window()->close();
+        frame().hide();
+        AppFixture::TearDown();
+    }
+
+    QList<QUrl> m_opened;
+    bool m_browserWorks = true;
+};
+
+TEST_F(HelpInTheWindow, HelpTopicsWithoutABrowserShowsTheManualNotAMissingManual)
+{
+    m_browserWorks = false;
+    frame().action("help.topics")->trigger();
+    EXPECT_EQ(m_opened.size(), 1);
+    EXPECT_TRUE(m_messages.texts().isEmpty()) << m_messages.texts().join('|').toStdString();
+    QTextBrowser* browser = shownHelpBrowser();
+    ASSERT_NE(browser, nullptr);
+    EXPECT_TRUE(browser->toPlainText().contains(QStringLiteral("The chord database")));
+}
+
+TEST_F(HelpInTheWindow, F1OpensTheTopicOfTheWindowOrRegionInUse)
+{
+    app::CFindDialog find(QStringLiteral("Find chord"),
+                          chords().menuCommands().chordSearch().includeHistory(),
+                          chords().menuCommands().chordSearch().skipHistory(), &frame());
+    const std::pair<QWidget*, const char*> cases[] = {
+        {chords().tree(), "topic-3"},
+        {view().regions().partList, "topic-1"},
+        {find.includeBox(), "topic-6"},
+    };
+    for (const auto& [widget, topic] : cases) {
+        SCOPED_TRACE(topic);
+        widget->window()->show();
+        widget->window()->activateWindow();
+        widget->setFocus();
+        m_opened.clear();
+        QTest::keyClick(widget, Qt::Key_F1);
+        ASSERT_EQ(m_opened.size(), 1);
+        EXPECT_EQ(m_opened.front().fragment(), QString::fromLatin1(topic));
+    }
+    find.hide();
 }
 
 } // namespace

@@ -6,9 +6,11 @@
 #include "app/CScaleDialog.h"
 #include "app/CTypeManagerDialog.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
+#include <QMenu>
 #include <QTreeWidget>
 
 namespace {
@@ -178,6 +180,68 @@ TEST_F(TypeManager, RenameAndRemoveChangeTheLists)
     m_manager->removeChordTypes();
     EXPECT_EQ(chords().chordTypes().count(), before - 2);
     EXPECT_EQ(m_manager->chordList()->topLevelItemCount(), before - 2);
+}
+
+QStringList namesIn(const QTreeWidget* list)
+{
+    QStringList names;
+    for (int row = 0; row < list->topLevelItemCount(); ++row)
+        names << list->topLevelItem(row)->text(0);
+    return names;
+}
+
+TEST_F(TypeManager, SortMenusOrderEachListByNameOrByNotes)
+{
+    QFile chordFile(m_data.file(QStringLiteral("sort.ccl")));
+    ASSERT_TRUE(chordFile.open(QIODevice::WriteOnly));
+    chordFile.write("Tonalmancer_ConstructChords\n4\nmaj\n1;3;5;\nDim\n1;b3;b5;\n7\n1;3;5;b7;\n"
+                    "m\n1;b3;5;\n");
+    chordFile.close();
+    QFile scaleFile(m_data.file(QStringLiteral("sort.scl")));
+    ASSERT_TRUE(scaleFile.open(QIODevice::WriteOnly));
+    scaleFile.write("Tonalmancer_Scales\n3\nmajor\nxoxoxxoxoxox\nMinor\nxoxxoxoxxoxo\n"
+                    "pentatonic\nxoxoxooxoxoo\n");
+    scaleFile.close();
+
+    struct Case
+    {
+        bool chords;
+        const char* id;
+        QStringList expected;
+    };
+    const Case cases[] = {
+        // Names ignore case; notes compare the chord on one root, lowest notes first.
+        {true, "types.sortChordsNameUp", {"7", "Dim", "m", "maj"}},
+        {true, "types.sortChordsNameDown", {"maj", "m", "Dim", "7"}},
+        {true, "types.sortChordsNotesUp", {"Dim", "m", "maj", "7"}},
+        {true, "types.sortChordsNotesDown", {"7", "maj", "m", "Dim"}},
+        {false, "types.sortScalesNameUp", {"major", "Minor", "pentatonic"}},
+        {false, "types.sortScalesNameDown", {"pentatonic", "Minor", "major"}},
+        {false, "types.sortScalesNotesUp", {"Minor", "major", "pentatonic"}},
+        {false, "types.sortScalesNotesDown", {"pentatonic", "major", "Minor"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.id);
+        ASSERT_TRUE(c.chords ? m_manager->loadChordTypes(chordFile.fileName())
+                             : m_manager->loadScales(scaleFile.fileName()));
+        QMenu* menu = c.chords ? m_manager->chordMenu() : m_manager->scaleMenu();
+        auto* item = menu->findChild<QAction*>(QString::fromLatin1(c.id));
+        ASSERT_NE(item, nullptr);
+        item->trigger();
+        const QTreeWidget* list = c.chords ? m_manager->chordList() : m_manager->scaleList();
+        EXPECT_EQ(namesIn(list), c.expected);
+        QStringList kept; // the program's own list, as the other commands see it
+        if (c.chords) {
+            for (const auto& type : chords().chordTypes().types())
+                kept << QString::fromStdString(type.name());
+        } else {
+            for (const auto& scale : chords().scales().scales())
+                kept << QString::fromStdString(scale.name());
+        }
+        EXPECT_EQ(kept, c.expected);
+    }
+    // Sorting keeps each type's construction with its name.
+    EXPECT_EQ(chords().chordTypes().at(0).construction(), "1;3;5;b7;");
 }
 
 TEST(IntervalList, ShowsTheTwentyTwoIntervalsInThreeColumns)

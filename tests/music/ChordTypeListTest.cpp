@@ -83,3 +83,34 @@ TEST(ChordTypeListFile, KeepsOnlyTheLowEightBitsOfTheCount)
     ASSERT_EQ(back.count(), 44);
     EXPECT_EQ(back.at(43).name(), "t43");
 }
+
+TEST(ChordTypeList, SortingKeepsTiesInOrderAndPutsUnreadableTypesAsNoNotes)
+{
+    ChordTypeList list;
+    list.add("maj", "1;3;5;");
+    list.add("bad", "1b35;");    // does not parse: no notes
+    list.add("Maj-b", "1;5;3;"); // the same notes written in another order
+    list.add("m", "1;b3;5;");
+    const auto names = [&list] {
+        std::string text;
+        for (const auto& type : list.types())
+            text += type.name() + " ";
+        return text;
+    };
+    struct Case
+    {
+        bool byNotes;
+        bool upwards;
+        const char* expected;
+    };
+    for (const Case c :
+         {Case{true, true, "bad m maj Maj-b "}, Case{true, false, "maj Maj-b m bad "},
+          Case{false, true, "bad m maj Maj-b "}, Case{false, false, "Maj-b maj m bad "}}) {
+        if (c.byNotes)
+            list.sortByNotes(c.upwards);
+        else
+            list.sortByName(c.upwards);
+        EXPECT_EQ(names(), c.expected) << c.byNotes << c.upwards;
+    }
+    EXPECT_EQ(list.types().back().construction(), "1b35;"); // each name keeps its construction
+}
