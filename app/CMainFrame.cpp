@@ -145,8 +145,8 @@ void CMainFrame::createMenus()
             entry.id == "file.saveAsDefault" || entry.id == "chords.manager" ||
             entry.id == "chords.continueSearch" || entry.id == "chords.generate" ||
             entry.id == "chords.save" || entry.id == "part.createMidiFile" ||
-            entry.id == "part.saveAsDefault" || entry.id == "machines.add" ||
-            entry.id == "help.topics")
+            entry.id == "part.saveAsDefault" || entry.id == "part.addPatternToPresets" ||
+            entry.id == "machines.add" || entry.id == "help.topics")
             menu->addSeparator();
     }
 }
