@@ -5,16 +5,20 @@
 #include "app/CTempoBar.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/ChordTransformCommands.h"
+#include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
 #include "app/PartFileCommands.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternTrackCommands.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
 #include "midi/MidiPortList.h"
 #include "part/Part.h"
+#include "part/PatternRecipeList.h"
 
 #include <QAction>
 #include <QHeaderView>
@@ -141,6 +145,8 @@ QWidget* CTonalmancerView::createPartListPanel()
         *m_partSession, *m_chordDatabase, *m_partFiles,
         [this](std::string_view id) { return m_frame.action(id); }, this);
     registerContextMenu("partList", m_partList->contextMenu());
+    new ChordTransformCommands(*m_partList, *m_partSession,
+                               [this](std::string_view id) { return m_frame.action(id); });
     return m_partList;
 }
 
@@ -158,6 +164,12 @@ QWidget* CTonalmancerView::createPatternGridPanel()
         *m_partSession, [this](std::string_view id) { return m_frame.action(id); }, this);
     registerContextMenu("patternEditor", grid->contextMenu());
     registerContextMenu("trackHeader", grid->trackHeaderMenu());
+    new PatternTrackCommands(*grid);
+    m_mathWindow = new MathWindow(
+        *m_partSession, *grid, m_dataFolder.userFolder() / part::PatternRecipeList::kFileName,
+        [this](std::string_view id) { return m_frame.action(id); }, this);
+    connect(m_frame.action("view.mathWindow"), &QAction::triggered, m_mathWindow,
+            &MathWindow::showWindow);
     return grid;
 }
 

@@ -27,6 +27,7 @@ namespace app {
 class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
+class MathWindow;
 class PartFileCommands;
 class PartListPanel;
 class PartSession;
@@ -73,6 +74,8 @@ public:
     /** The part being edited; every part panel edits it through this session. */
     PartSession* partSession() const { return m_partSession; }
     PartListPanel* partList() const { return m_partList; }
+    /** The pattern generator window (View > Math Window). */
+    MathWindow* mathWindow() const { return m_mathWindow; }
     /** The Part menu's files and presets. */
     PartFileCommands* partFiles() const { return m_partFiles; }
     /** The part's name for the window title, "*" marking unsaved changes. */
@@ -146,6 +149,7 @@ private:
     PartSession* m_partSession = nullptr;
     PartFileCommands* m_partFiles = nullptr;
     PartListPanel* m_partList = nullptr;
+    MathWindow* m_mathWindow = nullptr;
     UndoRouter* m_undoRouter = nullptr;
     QListWidget* m_partPresetList = nullptr;
     QListWidget* m_patternPresetList = nullptr;

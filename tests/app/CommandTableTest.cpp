@@ -54,6 +54,10 @@ const MenuRow kExpectedMenuBar[] = {
     {"Part", "Save As Default Part", "", "Load the default part."},
     {"Part", "Add Part To Presets", "", "Add current part to part presets"},
     {"Part", "Add Pattern To Presets", "", "Add current pattern to pattern presets."},
+    // The part's note transformations, with the team's own prompts.
+    {"Part", "Transpose", "", nullptr},
+    {"Part", "Mirror", "", nullptr},
+    {"Part", "Note Limits", "", nullptr},
     {"Machines", "Add Machine", "F4", "Add a new machine to the song."},
     {"Machines", "Scan Gear-Directory", "", "Scan all Buzz-machines."},
     {"Machines", "Scan Single File", "", "Scan one machine."},
