@@ -71,11 +71,11 @@ MathWindow::MathWindow(PartSession& session, PatternGridPanel& grid,
     mono.setStyleHint(QFont::Monospace);
     m_text->setFont(mono);
     connect(m_text, &QLineEdit::textEdited, this, [this](const QString& text) { takeText(text); });
-    auto* copy = named(new QPushButton(tr("&Copy Text"), this), "recipeCopy", tr("Copy text"));
+    auto* copy = named(new QPushButton(tr("Copy Text"), this), "recipeCopy", tr("Copy text"));
     copy->setToolTip(tr("Put the recipe's text line on the clipboard."));
     connect(copy, &QPushButton::clicked, this, [this] { copyText(); });
     auto* textRow = new QHBoxLayout;
-    auto* textLabel = new QLabel(tr("&Text:"), this);
+    auto* textLabel = new QLabel(tr("Te&xt:"), this);
     textLabel->setBuddy(m_text);
     textRow->addWidget(textLabel);
     textRow->addWidget(m_text, 1);

@@ -19,15 +19,22 @@
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordSettingsDialog.h"
 #include "app/ForbidNotesDialog.h"
+#include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
+#include "app/MirrorDialog.h"
+#include "app/NoteLimitsDialog.h"
 #include "app/PartListModel.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternTrackHeader.h"
+#include "app/RecipeListModel.h"
+#include "app/TransposeDialog.h"
 #include "part/PartFile.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QListView>
 #include <QMenu>
 #include <QPalette>
 #include <QPixmapCache>
@@ -179,6 +186,31 @@ int main(int argc, char* argv[])
         auto* grid = qobject_cast<app::PatternGridPanel*>(view.regions().patternGrid);
         grid->moveCursorTo(2, 1);
         save(*grid, folder, QStringLiteral("pattern-editor"));
+
+        // The track headers' menu, and the Math Window with its Euclidean arpeggio previewed.
+        QMenu* header = grid->trackHeaderMenu();
+        header->popup(grid->trackHeader()->mapToGlobal(QPoint(40, 10)));
+        settle();
+        save(*header, folder, QStringLiteral("track-header-menu"));
+        header->hide();
+        app::MathWindow& math = *view.mathWindow();
+        math.showWindow();
+        app::RecipeListModel& recipes = *math.recipeModel();
+        for (int row = 0; row < recipes.rowCount(); ++row) {
+            if (recipes.index(row).data() == QStringLiteral("Euclidean arpeggio"))
+                math.recipeList()->setCurrentIndex(recipes.index(row));
+        }
+        save(math, folder, QStringLiteral("math-window"));
+        save(*grid, folder, QStringLiteral("pattern-preview"));
+        math.hide();
+
+        // The note transformations' dialogs over the whole demo part.
+        app::TransposeDialog transpose(demo, part::allChords(demo), &frame);
+        save(transpose, folder, QStringLiteral("transpose-dialog"));
+        app::MirrorDialog mirror(demo, part::allChords(demo), &frame);
+        save(mirror, folder, QStringLiteral("mirror-dialog"));
+        app::NoteLimitsDialog limits(demo, part::allChords(demo), &frame);
+        save(limits, folder, QStringLiteral("note-limits-dialog"));
     }
 
     app::CAboutDialog about(&frame);
