@@ -228,6 +228,7 @@ void MathWindow::setRecipe(const part::PatternRecipe& recipe)
 {
     m_editor->setRecipe(recipe);
     m_text->setText(QString::fromStdString(part::formatRecipe(recipe)));
+    m_text->setCursorPosition(0); // the kind first
     showMessage(QString(), false);
     m_previewWanted = true;
     updatePreview();
@@ -245,6 +246,7 @@ void MathWindow::chooseRow(int row)
 void MathWindow::recipeChanged()
 {
     m_text->setText(QString::fromStdString(part::formatRecipe(m_editor->recipe())));
+    m_text->setCursorPosition(0); // the kind first
     showMessage(m_editor->error(), true);
     m_previewWanted = true;
     updatePreview();
@@ -377,6 +379,7 @@ bool MathWindow::saveRecipe()
         }
         m_editor->setRecipe(r);
         m_text->setText(QString::fromStdString(part::formatRecipe(r)));
+        m_text->setCursorPosition(0); // the kind first
     }
     int row = -1;
     if (const music::Result stored = m_model->store(r, row); !stored) {

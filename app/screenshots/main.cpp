@@ -21,8 +21,6 @@
 #include "app/ForbidNotesDialog.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
-#include "app/MirrorDialog.h"
-#include "app/NoteLimitsDialog.h"
 #include "app/PartListModel.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
@@ -204,13 +202,9 @@ int main(int argc, char* argv[])
         save(*grid, folder, QStringLiteral("pattern-preview"));
         math.hide();
 
-        // The note transformations' dialogs over the whole demo part.
+        // The transformation dialogs share one frame; Transpose shows it.
         app::TransposeDialog transpose(demo, part::allChords(demo), &frame);
         save(transpose, folder, QStringLiteral("transpose-dialog"));
-        app::MirrorDialog mirror(demo, part::allChords(demo), &frame);
-        save(mirror, folder, QStringLiteral("mirror-dialog"));
-        app::NoteLimitsDialog limits(demo, part::allChords(demo), &frame);
-        save(limits, folder, QStringLiteral("note-limits-dialog"));
     }
 
     app::CAboutDialog about(&frame);

@@ -148,6 +148,13 @@ TEST_F(MathWindowTest, ApplyIsOneLiveUndoStepThatUndoTakesBack)
     window().apply();
     EXPECT_EQ(session().history().size(), steps + 1);
 
+    // Ctrl+Z and Ctrl+Y work in the Math Window itself.
+    window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    QTest::keySequence(&window(), QKeySequence(QStringLiteral("Ctrl+Z")));
+    EXPECT_EQ(partPattern(), before);
+    QTest::keySequence(&window(), QKeySequence(QStringLiteral("Ctrl+Y")));
+    EXPECT_EQ(partPattern(), previewed);
     session().undo();
     EXPECT_EQ(partPattern(), before);
     session().redo();
