@@ -183,9 +183,10 @@ TEST_F(MathWindowTest, TheBlockOptionFillsOnlyTheSelectedCells)
     for (int track = 0; track < part::kTrackCount; ++track) {
         for (int row = 0; row < part::kRowCount; ++row) {
             const bool inside = track >= 1 && track <= 2 && row >= 8 && row <= 15;
-            if (!inside)
+            if (!inside) {
                 ASSERT_EQ(partPattern().cell(track, row), before.cell(track, row))
                     << "track " << track << " row " << row;
+            }
         }
     }
     const QStringList column = {inPart(8, 1),  inPart(9, 1), inPart(10, 1), inPart(12, 1),
@@ -230,11 +231,12 @@ TEST_F(MathWindowTest, FieldsAndTextLineAreTwoViewsOfOneRecipe)
         window().textEdit()->clear();
         QTest::keyClicks(window().textEdit(), QString::fromLatin1(c.typed));
         const QString message = window().messageLabel()->text();
-        if (*c.message == '\0')
+        if (*c.message == '\0') {
             EXPECT_TRUE(message.isEmpty()) << message.toStdString();
-        else
+        } else {
             EXPECT_TRUE(message.startsWith(QString::fromLatin1(c.message)))
                 << message.toStdString();
+        }
         EXPECT_EQ(editor.kindBox()->currentText(), QString::fromLatin1(c.kind));
     }
     // A seed above the largest int survives the field.
