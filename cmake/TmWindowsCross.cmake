@@ -4,9 +4,12 @@
 # Built programs run under Wine with the build tree's own prefix. CMake prepends the runner to
 # every test command that names a target of this build.
 find_program(TM_WINE NAMES wine64 wine PATHS /usr/lib/wine NO_CMAKE_FIND_ROOT_PATH)
-if(NOT TM_WINE)
+find_program(TM_WINESERVER NAMES wineserver64 wineserver PATHS /usr/lib/wine
+    NO_CMAKE_FIND_ROOT_PATH)
+if(NOT TM_WINE OR NOT TM_WINESERVER)
     message(STATUS "wine64 not found: the tests of the Windows build will be skipped")
     set(TM_WINE "")
+    set(TM_WINESERVER "")
 endif()
 set(TM_WINE_PREFIX ${CMAKE_BINARY_DIR}/wine-prefix)
 set(TM_WINE_RUNNER ${CMAKE_BINARY_DIR}/wine-run.sh)
