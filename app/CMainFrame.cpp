@@ -12,6 +12,7 @@
 #include "app/FileFilters.h"
 #include "app/HelpRouter.h"
 #include "app/MessageBoxes.h"
+#include "app/PartSession.h"
 #include "app/WaitCursor.h"
 #include "song/FileErrorCode.h"
 #include "song/MachineScanner.h"
@@ -24,7 +25,6 @@
 #include <QMenuBar>
 #include <QSettings>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolBar>
 
 namespace app {
@@ -176,6 +176,12 @@ void CMainFrame::setDocumentAndView(CTonalmancerDoc* document, CTonalmancerView*
         m_document->setUnknownMachineHandler(m_machineDialogs.get());
         connect(m_document, &CTonalmancerDoc::songChanged, this, &CMainFrame::updateTitle);
         connectDocumentCommands();
+    }
+    if (m_view != nullptr) {
+        connect(m_view->partSession(), &PartSession::modifiedChanged, this,
+                &CMainFrame::updateTitle);
+        connect(m_view->partSession(), &PartSession::filePathChanged, this,
+                &CMainFrame::updateTitle);
     }
     updateTitle();
 }
@@ -337,7 +343,10 @@ void CMainFrame::updateCommandStates()
 void CMainFrame::updateTitle()
 {
     const QString name = m_document != nullptr ? m_document->title() : tr("Untitled");
-    setWindowTitle(name + QStringLiteral(" - Tonalmancer"));
+    // The song, then the part ("*" while it has unsaved changes).
+    const QString part =
+        m_view != nullptr ? QStringLiteral(" - ") + m_view->partTitle() : QString();
+    setWindowTitle(name + part + QStringLiteral(" - Tonalmancer"));
     const bool hasSong = m_document != nullptr && m_document->hasSong();
     action("file.save")->setEnabled(hasSong);
     action("file.saveAs")->setEnabled(hasSong);
@@ -356,6 +365,10 @@ void CMainFrame::restoreWindowState()
 
 void CMainFrame::closeEvent(QCloseEvent* event)
 {
+    if (m_view != nullptr && !m_view->mayClose()) {
+        event->ignore();
+        return;
+    }
     QSettings settings;
     settings.setValue(QStringLiteral("mainFrame/geometry"), saveGeometry());
     settings.setValue(QStringLiteral("mainFrame/state"), saveState());
