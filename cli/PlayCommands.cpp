@@ -1,7 +1,7 @@
 #include "cli/Command.h"
 #include "cli/PartOptions.h"
 
-#include "app/player/PartPlayer.h"
+#include "player/PartPlayer.h"
 #include "midi/MidiPortList.h"
 #include "midi/MidiSettings.h"
 #include "midi/ShortMessage.h"

@@ -1,6 +1,6 @@
 #include "PlaybackTestSupport.h"
 
-#include "app/player/PartPlayer.h"
+#include "player/PartPlayer.h"
 
 #include <QCoreApplication>
 #include <QThread>

@@ -1,4 +1,4 @@
-#include "app/player/PartPlayer.h"
+#include "player/PartPlayer.h"
 
 #include "midi/CMIDIOutException.h"
 #include "midi/ShortMessage.h"
