@@ -41,16 +41,38 @@ PartPlayer::~PartPlayer()
 
 void PartPlayer::setSettings(const midi::MidiSettings& settings)
 {
+    const midi::MidiSettings before = m_settings;
     m_settings = settings;
-    if (m_playing) {
-        m_engine.setChannel(static_cast<std::uint8_t>(settings.channel()));
-        m_engine.setVelocity(settings.velocity());
+    if (!m_playing)
+        return;
+    // The device stays the one opened; its number is taken on the next start.
+    const int port = m_settings.port() & 0x7F;
+    const int channel = m_settings.channel() & 0x0F;
+    m_engine.setChannel(static_cast<std::uint8_t>(channel));
+    m_engine.setVelocity(m_settings.velocity());
+    if (m_settings.port() != before.port())
+        sendPacked(static_cast<std::uint32_t>(port) << 16 | 0x1FF);
+    if (m_settings.port() != before.port() || m_settings.channel() != before.channel() ||
+        m_settings.program() != before.program()) {
+        m_settings.setProgramAt(port, channel, static_cast<std::uint8_t>(m_settings.program()));
+        sendPacked(midi::ShortMessage::pack(0xC0, static_cast<std::uint8_t>(channel),
+                                            static_cast<std::uint8_t>(m_settings.program()), 0));
     }
 }
 
 void PartPlayer::setRenderOptions(const part::RenderOptions& options)
 {
     m_options = options;
+    if (m_playing)
+        m_engine.setRenderOptions(options);
+}
+
+void PartPlayer::updatePart(const part::Part& part)
+{
+    if (!m_playing)
+        return;
+    m_part = part;
+    m_engine.updatePart(part);
 }
 
 void PartPlayer::setTempo(int beatsPerMinute, int ticksPerBeat)
@@ -113,8 +135,15 @@ PartPlayer::StartResult PartPlayer::start(const part::Part& part, std::uint16_t 
     m_engine.setChannel(static_cast<std::uint8_t>(channel));
     m_engine.setVelocity(m_settings.velocity());
     m_clock.start();
+    m_part = part;
     const bool started = singleChord ? m_engine.startSingleChord(part, selectedChord)
                                      : m_engine.startPart(part, selectedChord);
+    // A loop of the part starts over at the range's first chord, a loop of a chord at the chord.
+    std::uint16_t first = part.selectionFirst();
+    std::uint16_t last = part.selectionLast();
+    m_roundFirst = singleChord || !midi::StepEngine::resolveRange(part, first, last)
+                       ? m_engine.currentChord()
+                       : first;
     if (!m_deviceFailure.isEmpty()) {
         finish(m_deviceFailure);
         return StartResult::Started;
@@ -171,7 +200,9 @@ void PartPlayer::onTimer()
     else if (now - m_nextDeadlineNs > kMaxLagNs)
         m_nextDeadlineNs = now;
 
-    const bool going = m_engine.step();
+    bool going = m_engine.step();
+    if (!going && m_looping && m_deviceFailure.isEmpty())
+        going = restartRound();
     syncVelocity();
     if (!m_deviceFailure.isEmpty()) {
         finish(m_deviceFailure);
@@ -184,6 +215,14 @@ void PartPlayer::onTimer()
     emit stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
     m_nextDeadlineNs += static_cast<qint64>(m_interval) * kNsPerMs;
     armTimer();
+}
+
+bool PartPlayer::restartRound()
+{
+    // The engine has ended the last round's notes; the new one starts on this same step.
+    if (m_singleChord)
+        return m_engine.startSingleChord(m_part, m_roundFirst);
+    return m_engine.startRange(m_part, m_roundFirst, m_engine.lastChord());
 }
 
 void PartPlayer::syncVelocity()
