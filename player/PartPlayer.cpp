@@ -114,7 +114,7 @@ PartPlayer::StartResult PartPlayer::start(const part::Part& part, std::uint16_t 
         return StartResult::NoDeviceChosen;
 
     if (!m_device->open(m_settings.deviceNumber())) {
-        emit failed(QString::fromLatin1(kUnableToOpenDevice));
+        Q_EMIT failed(QString::fromLatin1(kUnableToOpenDevice));
         return StartResult::UnableToOpen;
     }
 
@@ -124,7 +124,7 @@ PartPlayer::StartResult PartPlayer::start(const part::Part& part, std::uint16_t 
     m_playing = true;
     m_singleChord = singleChord;
     m_deviceFailure.clear();
-    emit playingChanged(true, singleChord);
+    Q_EMIT playingChanged(true, singleChord);
 
     // Port selection (0xFF 0x01 port), then the program, before every playback.
     sendPacked(static_cast<std::uint32_t>(port & 0xFF) << 16 | 0x1FF);
@@ -153,7 +153,7 @@ PartPlayer::StartResult PartPlayer::start(const part::Part& part, std::uint16_t 
         return StartResult::NothingToPlay;
     }
     syncVelocity();
-    emit stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
+    Q_EMIT stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
     m_nextDeadlineNs = static_cast<qint64>(m_interval) * kNsPerMs;
     armTimer();
     return StartResult::Started;
@@ -175,7 +175,7 @@ void PartPlayer::sendPacked(std::uint32_t packed)
 {
     if (!m_deviceFailure.isEmpty())
         return; // the device is gone; the playback ends after this step
-    emit messageSent(packed);
+    Q_EMIT messageSent(packed);
     try {
         m_device->send(packed);
     } catch (const midi::CMIDIOutException& error) {
@@ -212,7 +212,7 @@ void PartPlayer::onTimer()
         finish(QString()); // the part or the chord has ended; the engine stopped its notes
         return;
     }
-    emit stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
+    Q_EMIT stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
     m_nextDeadlineNs += static_cast<qint64>(m_interval) * kNsPerMs;
     armTimer();
 }
@@ -240,14 +240,14 @@ void PartPlayer::finish(const QString& failure)
     m_timer.stop();
     m_playing = false;
     m_singleChord = false;
-    emit playingChanged(false, false);
+    Q_EMIT playingChanged(false, false);
     if (m_engine.isPlaying())
         m_engine.stop(); // note-offs for the sounding tracks (dropped when the device failed)
     m_device->close();
     m_finishing = false;
     if (!failure.isEmpty())
-        emit failed(failure);
-    emit finished();
+        Q_EMIT failed(failure);
+    Q_EMIT finished();
 }
 
 } // namespace player

@@ -106,7 +106,7 @@ public:
 
     const midi::StepEngine& engine() const { return m_engine; }
 
-signals:
+Q_SIGNALS:
     /** The two playing flags changed (the window checks its commands by them). */
     void playingChanged(bool playing, bool singleChord);
     /** A step was played: the chord (index into the part) and its row. */
