@@ -5,8 +5,11 @@
 #include "app/CTempoBar.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/PartExportCommands.h"
+#include "app/PartMidiDrag.h"
 #include "app/PartSession.h"
 #include "app/PatternGridPanel.h"
+#include "app/TransportController.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
@@ -88,6 +91,13 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
         registerUndoTarget(partRegion, m_partSession);
     connectTempoBar();
     connectCommands();
+
+    m_transport = new TransportController(m_frame, *m_partSession, m_midiSettings, m_ports, this);
+    m_transport->addSpaceToggle(regions.partList);
+    m_transport->addSpaceToggle(regions.patternGrid);
+    m_partExports =
+        new PartExportCommands(*this, m_frame, m_document, *m_partSession, *m_transport, this);
+    m_midiDrag = std::make_unique<PartMidiDrag>();
 }
 
 void CTonalmancerView::connectTempoBar()
@@ -310,6 +320,7 @@ void CTonalmancerView::initialUpdate()
 
 void CTonalmancerView::shutdown()
 {
+    m_transport->stop(); // what playback changed in the settings is written too
     if (m_settingsWritten || !m_ports)
         return;
     m_settingsWritten = true;
@@ -329,8 +340,32 @@ void CTonalmancerView::showMachineView(bool machines)
     m_sideStack->setCurrentWidget(machines ? m_regions.machines : m_regions.partSettings);
 }
 
+QString CTonalmancerView::selectedMachineName() const
+{
+    for (int i = 0; i < m_machineList->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = m_machineList->topLevelItem(i);
+        if (item->isSelected() && !item->isHidden())
+            return item->text(0);
+    }
+    return {};
+}
+
+bool CTonalmancerView::addPartAsMidiFile(QMimeData& dragData)
+{
+    return m_midiDrag->addTo(dragData, m_partSession->part(), m_partExports->midiExportOptions(),
+                             m_partSession->filePath());
+}
+
+QString CTonalmancerView::lastDraggedMidiFile() const
+{
+    return m_midiDrag->lastFile();
+}
+
 void CTonalmancerView::refreshMachines()
 {
+    QStringList selected;
+    for (const QTreeWidgetItem* item : m_machineList->selectedItems())
+        selected << item->text(0);
     m_machineList->clear();
     const song::BuzzSong* song = m_document.song();
     if (song == nullptr)
@@ -349,6 +384,7 @@ void CTonalmancerView::refreshMachines()
                                             : QString::fromStdString(machine.dllName));
         item->setText(2, QString::number(song->patternCount(i)));
         item->setText(3, QString::number(machine.trackCount));
+        item->setSelected(selected.contains(item->text(0)));
     }
     for (int column = 0; column < 3; ++column)
         m_machineList->resizeColumnToContents(column);

@@ -13,6 +13,7 @@
 
 class QListWidget;
 class QMenu;
+class QMimeData;
 class QStackedWidget;
 class QTableWidget;
 class QTreeWidget;
@@ -26,7 +27,10 @@ namespace app {
 class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
+class PartExportCommands;
+class PartMidiDrag;
 class PartSession;
+class TransportController;
 class UndoRouter;
 class UndoTarget;
 
@@ -84,11 +88,28 @@ public:
     /** Undo and Redo act on `target` while the focus is in `region`. */
     void registerUndoTarget(QWidget* region, UndoTarget* target);
     UndoRouter* undoRouter() const { return m_undoRouter; }
+    /** Play, stop and the MIDI settings dialog. */
+    TransportController* transport() const { return m_transport; }
+    /** "Create Midi File" and "Create Buzz Patterns". */
+    PartExportCommands* partExports() const { return m_partExports; }
+    /**
+     * Adds the part, written as a MIDI file as "Create Midi File" would write it now, to the data
+     * of a drag leaving the part list (a file URL for file managers and DAWs). False when it
+     * could not be written.
+     */
+    bool addPartAsMidiFile(QMimeData& dragData);
+    /** The file the last drag offered (tests). */
+    QString lastDraggedMidiFile() const;
 
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
-    /** Fills the machine view from the document's song, filtered as the settings say. */
+    /**
+     * Fills the machine view from the document's song, filtered as the settings say; the
+     * machines selected before stay selected.
+     */
     void refreshMachines();
+    /** The first selected machine of the machine view, from the top; empty when none is. */
+    QString selectedMachineName() const;
     void refreshPresets();
 
 private:
@@ -123,6 +144,9 @@ private:
     ChordDatabasePanel* m_chordDatabase = nullptr;
     PartSession* m_partSession = nullptr;
     UndoRouter* m_undoRouter = nullptr;
+    TransportController* m_transport = nullptr;
+    PartExportCommands* m_partExports = nullptr;
+    std::unique_ptr<PartMidiDrag> m_midiDrag;
     QListWidget* m_partPresetList = nullptr;
     QListWidget* m_patternPresetList = nullptr;
     QStackedWidget* m_sideStack = nullptr;
