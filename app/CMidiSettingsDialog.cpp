@@ -11,6 +11,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTableView>
@@ -60,6 +61,7 @@ CMidiSettingsDialog::CMidiSettingsDialog(const midi::MidiSettings& settings,
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(m_groups, 1);
     layout->addWidget(buttons);
+    resize(660, 620); // the program table's sixteen channels side by side
 }
 
 CMidiSettingsDialog::~CMidiSettingsDialog() = default;
@@ -107,7 +109,9 @@ QGroupBox* CMidiSettingsDialog::createOutputGroup()
     deviceRow->addWidget(m_device, 1);
     deviceRow->addWidget(m_test);
     auto* form = new QFormLayout(group);
-    form->addRow(tr("&Device"), deviceRow);
+    auto* deviceLabel = new QLabel(tr("&Device"), group);
+    deviceLabel->setBuddy(m_device);
+    form->addRow(deviceLabel, deviceRow);
     form->addRow(tr("&Port"), m_port);
     form->addRow(tr("&Channel"), m_channel);
     form->addRow(tr("P&rogram"), m_program);

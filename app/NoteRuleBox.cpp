@@ -32,7 +32,7 @@ const NoteRuleBox::Texts NoteRuleBox::kSettingsTexts = {
 const NoteRuleBox::Texts NoteRuleBox::kMidiFileTexts = {
     {kExtendLabel, kOffLabel, kIgnoreLabel},
     {kExtendTip, kOffTip, kIgnoreTip},
-    "Activate upper note limit.",
+    "Upper note limit",
     "If active, no note will be higher than the one below.",
 };
 
