@@ -61,7 +61,7 @@ CMidiSettingsDialog::CMidiSettingsDialog(const midi::MidiSettings& settings,
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(m_groups, 1);
     layout->addWidget(buttons);
-    resize(660, 620); // the program table's sixteen channels side by side
+    resize(760, 620); // the program table's sixteen channels side by side
 }
 
 CMidiSettingsDialog::~CMidiSettingsDialog() = default;
