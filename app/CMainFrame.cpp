@@ -12,6 +12,7 @@
 #include "app/FileFilters.h"
 #include "app/HelpRouter.h"
 #include "app/MessageBoxes.h"
+#include "app/PartSession.h"
 #include "app/WaitCursor.h"
 #include "song/FileErrorCode.h"
 #include "song/MachineScanner.h"
@@ -24,7 +25,6 @@
 #include <QMenuBar>
 #include <QSettings>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolBar>
 
 namespace app {
@@ -177,6 +177,12 @@ void CMainFrame::setDocumentAndView(CTonalmancerDoc* document, CTonalmancerView*
         connect(m_document, &CTonalmancerDoc::songChanged, this, &CMainFrame::updateTitle);
         connect(m_document, &CTonalmancerDoc::modifiedChanged, this, &CMainFrame::updateTitle);
         connectDocumentCommands();
+    }
+    if (m_view != nullptr) {
+        connect(m_view->partSession(), &PartSession::modifiedChanged, this,
+                &CMainFrame::updateTitle);
+        connect(m_view->partSession(), &PartSession::filePathChanged, this,
+                &CMainFrame::updateTitle);
     }
     updateTitle();
 }
@@ -361,8 +367,11 @@ void CMainFrame::updateCommandStates()
 void CMainFrame::updateTitle()
 {
     const QString name = m_document != nullptr ? m_document->title() : tr("Untitled");
+    // The song, then the part; each with "*" while it has unsaved changes.
     const bool modified = m_document != nullptr && m_document->isModified();
-    setWindowTitle(name + (modified ? QStringLiteral("*") : QString()) +
+    const QString part =
+        m_view != nullptr ? QStringLiteral(" - ") + m_view->partTitle() : QString();
+    setWindowTitle(name + (modified ? QStringLiteral("*") : QString()) + part +
                    QStringLiteral(" - Tonalmancer"));
     const bool hasSong = m_document != nullptr && m_document->hasSong();
     action("file.save")->setEnabled(hasSong);
@@ -382,7 +391,7 @@ void CMainFrame::restoreWindowState()
 
 void CMainFrame::closeEvent(QCloseEvent* event)
 {
-    if (!maybeSaveSong()) {
+    if (!maybeSaveSong() || (m_view != nullptr && !m_view->mayClose())) {
         event->ignore();
         return;
     }
