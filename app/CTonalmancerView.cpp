@@ -104,6 +104,8 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     m_partExports =
         new PartExportCommands(*this, m_frame, m_document, *m_partSession, *m_transport, this);
     m_midiDrag = std::make_unique<PartMidiDrag>();
+    m_partList->model()->setDragExtender(
+        [this](QMimeData& dragData) { addPartAsMidiFile(dragData); });
 }
 
 void CTonalmancerView::connectTempoBar()

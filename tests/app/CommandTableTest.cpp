@@ -3,8 +3,8 @@
 #include "AppTestSupport.h"
 
 #include "app/CTempoBar.h"
-#include "app/PartSession.h"
 #include "app/CommandTable.h"
+#include "app/PartSession.h"
 
 #include <QAction>
 #include <QCoreApplication>

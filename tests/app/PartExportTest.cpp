@@ -9,6 +9,8 @@
 #include "app/CTempoBar.h"
 #include "app/NoteRuleBox.h"
 #include "app/PartExportCommands.h"
+#include "app/PartListModel.h"
+#include "app/PartListPanel.h"
 #include "app/PartSession.h"
 #include "app/ProgramTableModel.h"
 #include "app/TransportController.h"
@@ -255,16 +257,16 @@ TEST_F(PartExport, CreateMidiFileWritesWhatTheCommandLineWritesForTheSameOptions
     EXPECT_TRUE(m_messages.texts().isEmpty());
 }
 
-TEST_F(PartExport, ThePartDraggedOutIsTheMidiFileCreateMidiFileWrites)
+TEST_F(PartExport, ThePartDraggedOutOfThePartListIsTheMidiFileCreateMidiFileWrites)
 {
-    QMimeData data;
-    data.setText(QStringLiteral("C Am F G"));
+    // What a drag of two chords from the part list carries: the chords, and the part as a file.
+    app::PartListModel& list = *view().partList()->model();
     music::RandomSource::seed(4);
-    ASSERT_TRUE(view().addPartAsMidiFile(data));
-    ASSERT_EQ(data.urls().size(), 1);
-    const QString dragged = data.urls().constFirst().toLocalFile();
+    const std::unique_ptr<QMimeData> data(list.mimeData({list.index(0, 0), list.index(1, 0)}));
+    ASSERT_EQ(data->urls().size(), 1);
+    const QString dragged = data->urls().constFirst().toLocalFile();
     EXPECT_TRUE(dragged.endsWith(QStringLiteral("/part.mid"))) << dragged.toStdString();
-    EXPECT_EQ(data.text(), QStringLiteral("C Am F G"));
+    EXPECT_TRUE(list.canDropMimeData(data.get(), Qt::MoveAction, 0, 0, {})) << "chords too";
 
     music::RandomSource::seed(4);
     ASSERT_TRUE(view().partExports()->writeMidiFile(file(QStringLiteral("menu.mid"))));

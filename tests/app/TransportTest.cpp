@@ -6,6 +6,7 @@
 #include "app/CMidiSettingsDialog.h"
 #include "app/CTempoBar.h"
 #include "app/CTreeCtrlX.h"
+#include "app/PartListPanel.h"
 #include "app/PartSession.h"
 #include "app/PlayingIndicator.h"
 #include "app/TransportController.h"
@@ -16,6 +17,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QSpinBox>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
@@ -235,7 +237,7 @@ TEST_F(Transport, SpaceTogglesPlaybackInTheGridAndThePartListOnly)
 {
     const std::pair<const char*, QWidget*> places[] = {
         {"pattern grid", view().regions().patternGrid},
-        {"part list", view().regions().partList},
+        {"part list", view().partList()->view()},
     };
     for (const auto& [where, region] : places) {
         SCOPED_TRACE(where);
