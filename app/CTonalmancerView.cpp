@@ -8,11 +8,14 @@
 #include "app/ChordTransformCommands.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
+#include "app/PartExportCommands.h"
 #include "app/PartFileCommands.h"
 #include "app/PartListPanel.h"
+#include "app/PartMidiDrag.h"
 #include "app/PartSession.h"
 #include "app/PatternGridPanel.h"
 #include "app/PatternTrackCommands.h"
+#include "app/TransportController.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
@@ -98,6 +101,15 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
         registerUndoTarget(partRegion, m_partSession);
     connectTempoBar();
     connectCommands();
+
+    m_transport = new TransportController(m_frame, *m_partSession, m_midiSettings, m_ports, this);
+    m_transport->addSpaceToggle(regions.partList);
+    m_transport->addSpaceToggle(regions.patternGrid);
+    m_partExports =
+        new PartExportCommands(*this, m_frame, m_document, *m_partSession, *m_transport, this);
+    m_midiDrag = std::make_unique<PartMidiDrag>();
+    m_partList->model()->setDragExtender(
+        [this](QMimeData& dragData) { addPartAsMidiFile(dragData); });
 }
 
 void CTonalmancerView::connectTempoBar()
@@ -348,6 +360,7 @@ bool CTonalmancerView::mayClose()
 
 void CTonalmancerView::shutdown()
 {
+    m_transport->stop(); // what playback changed in the settings is written too
     if (m_settingsWritten || !m_ports)
         return;
     m_settingsWritten = true;
@@ -367,8 +380,32 @@ void CTonalmancerView::showMachineView(bool machines)
     m_sideStack->setCurrentWidget(machines ? m_regions.machines : m_regions.partSettings);
 }
 
+QString CTonalmancerView::selectedMachineName() const
+{
+    for (int i = 0; i < m_machineList->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = m_machineList->topLevelItem(i);
+        if (item->isSelected() && !item->isHidden())
+            return item->text(0);
+    }
+    return {};
+}
+
+bool CTonalmancerView::addPartAsMidiFile(QMimeData& dragData)
+{
+    return m_midiDrag->addTo(dragData, m_partSession->part(), m_partExports->midiExportOptions(),
+                             m_partSession->filePath());
+}
+
+QString CTonalmancerView::lastDraggedMidiFile() const
+{
+    return m_midiDrag->lastFile();
+}
+
 void CTonalmancerView::refreshMachines()
 {
+    QStringList selected;
+    for (const QTreeWidgetItem* item : m_machineList->selectedItems())
+        selected << item->text(0);
     m_machineList->clear();
     const song::BuzzSong* song = m_document.song();
     if (song == nullptr)
@@ -387,6 +424,7 @@ void CTonalmancerView::refreshMachines()
                                             : QString::fromStdString(machine.dllName));
         item->setText(2, QString::number(song->patternCount(i)));
         item->setText(3, QString::number(machine.trackCount));
+        item->setSelected(selected.contains(item->text(0)));
     }
     for (int column = 0; column < 3; ++column)
         m_machineList->resizeColumnToContents(column);

@@ -14,6 +14,7 @@
 
 class QListWidget;
 class QMenu;
+class QMimeData;
 class QStackedWidget;
 class QTableWidget;
 class QTreeWidget;
@@ -28,9 +29,12 @@ class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
 class MathWindow;
+class PartExportCommands;
 class PartFileCommands;
 class PartListPanel;
+class PartMidiDrag;
 class PartSession;
+class TransportController;
 class UndoRouter;
 class UndoTarget;
 
@@ -105,11 +109,28 @@ public:
     /** Undo and Redo act on `target` while the focus is in `region`. */
     void registerUndoTarget(QWidget* region, UndoTarget* target);
     UndoRouter* undoRouter() const { return m_undoRouter; }
+    /** Play, stop and the MIDI settings dialog. */
+    TransportController* transport() const { return m_transport; }
+    /** "Create Midi File" and "Create Buzz Patterns". */
+    PartExportCommands* partExports() const { return m_partExports; }
+    /**
+     * Adds the part, written as a MIDI file as "Create Midi File" would write it now, to the data
+     * of a drag leaving the part list (a file URL for file managers and DAWs). False when it
+     * could not be written.
+     */
+    bool addPartAsMidiFile(QMimeData& dragData);
+    /** The file the last drag offered (tests). */
+    QString lastDraggedMidiFile() const;
 
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
-    /** Fills the machine view from the document's song, filtered as the settings say. */
+    /**
+     * Fills the machine view from the document's song, filtered as the settings say; the
+     * machines selected before stay selected.
+     */
     void refreshMachines();
+    /** The first selected machine of the machine view, from the top; empty when none is. */
+    QString selectedMachineName() const;
     void refreshPresets();
 
 Q_SIGNALS:
@@ -151,6 +172,9 @@ private:
     PartListPanel* m_partList = nullptr;
     MathWindow* m_mathWindow = nullptr;
     UndoRouter* m_undoRouter = nullptr;
+    TransportController* m_transport = nullptr;
+    PartExportCommands* m_partExports = nullptr;
+    std::unique_ptr<PartMidiDrag> m_midiDrag;
     QListWidget* m_partPresetList = nullptr;
     QListWidget* m_patternPresetList = nullptr;
     QStackedWidget* m_sideStack = nullptr;

@@ -30,8 +30,8 @@ constexpr std::array kMenuBar = {
     CommandEntry{"chords.loadDefault", "&Chords", "Load &Default", "", "Load the default chord database."},
     CommandEntry{"chords.saveAsDefault", "&Chords", "Save &As Default", "", "Save current chord database as default and keep it up to date."},
 
-    CommandEntry{"part.createBuzzPatterns", "&Part", "Create &Buzz Patterns", "", "Create patterns for the selected Buzz machine.", false, kLater},
-    CommandEntry{"part.createMidiFile", "&Part", "Create &Midi File", "", "Create sequence and save it as midi file.\nCreate midi file", false, kLater},
+    CommandEntry{"part.createBuzzPatterns", "&Part", "Create &Buzz Patterns", "", "Create patterns for the selected Buzz machine."},
+    CommandEntry{"part.createMidiFile", "&Part", "Create &Midi File", "", "Create sequence and save it as midi file.\nCreate midi file"},
     CommandEntry{"part.new", "&Part", "&New Part", "", "Create a new part.\nNew part"},
     CommandEntry{"part.load", "&Part", "&Load Part", "", "Open part from file.\nOpen part"},
     CommandEntry{"part.save", "&Part", "&Save Part", "", "Save current part to file.\nSave part"},
@@ -47,9 +47,9 @@ constexpr std::array kMenuBar = {
     CommandEntry{"machines.scanGear", "&Machines", "&Scan Gear-Directory", "", "Scan all Buzz-machines."},
     CommandEntry{"machines.scanFile", "&Machines", "Scan Single &File", "", "Scan one machine."},
 
-    CommandEntry{"settings.midi", "&Settings", "&Midi Settings", "", "Change midi settings.", false, kLater},
+    CommandEntry{"settings.midi", "&Settings", "&Midi Settings", "", "Change midi settings."},
 
-    CommandEntry{"view.midiSettings", "&View", "&Midi Settings", "", "Show midi settings dialog.", false, kLater},
+    CommandEntry{"view.midiSettings", "&View", "&Midi Settings", "", "Show midi settings dialog."},
     CommandEntry{"view.machineInfo", "&View", "Machine &Info", "", "Show the machine info.", false, kLater},
     CommandEntry{"view.patternInfo", "&View", "&Pattern Info", "", "Show the patternlist.", false, kLater},
     CommandEntry{"view.searchInfo", "&View", "&Search Info", "", "Show the search info window."},
@@ -60,11 +60,11 @@ constexpr std::array kMenuBar = {
 };
 
 constexpr std::array kKeyAndToolbarOnly = {
-    CommandEntry{"part.play", "", "Play", "F5", "Play part.\nPlay", true, kLater},
-    CommandEntry{"part.stop", "", "Stop", "F8", "Stop playing.\nStop", false, kLater},
-    CommandEntry{"part.playChord", "", "Play Chord", "", "Play single chord.\nPlay chord", true, kLater},
+    CommandEntry{"part.play", "", "Play", "F5", "Play part.\nPlay", true},
+    CommandEntry{"part.stop", "", "Stop", "F8", "Stop playing.\nStop"},
+    CommandEntry{"part.playChord", "", "Play Chord", "", "Play single chord.\nPlay chord", true},
     CommandEntry{"part.printChordList", "", "Print Chord List", "Ctrl+P", "Print chord list.\nPrint a list with the parts chords"},
-    CommandEntry{"part.createBuzzPatternsButton", "", "Create Buzz Patterns", "", "Create Buzz patterns.\nCreate Buzz patterns", false, kLater},
+    CommandEntry{"part.createBuzzPatternsButton", "", "Create Buzz Patterns", "", "Create Buzz patterns.\nCreate Buzz patterns"},
     CommandEntry{"part.addToPresetsButton", "", "Add Part To Presets", "", "Add current part to part presets.\nAdd part to presets"},
     CommandEntry{"view.showBmx", "", "Show Bmx", "", "Switch machine view.\nShow Bmx"},
     CommandEntry{"view.showSettings", "", "Show Settings", "", "Switch to settings view.\nShow settings"},

@@ -4,7 +4,7 @@
 #include "cli/LiveMidi.h"
 #include "cli/PartOptions.h"
 
-#include "app/player/PartPlayer.h"
+#include "player/PartPlayer.h"
 #include "midi/MidiPortList.h"
 #include "midi/MidiSettings.h"
 #include "midi/ShortMessage.h"

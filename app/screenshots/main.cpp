@@ -7,6 +7,9 @@
 #include "app/CGenerateDialog.h"
 #include "app/CIntervalListDialog.h"
 #include "app/CMainFrame.h"
+#include "app/CMidiFileDialog.h"
+#include "app/CMidiSettingsDialog.h"
+#include "app/CPartWriteDialog.h"
 #include "app/CScaleDialog.h"
 #include "app/CScaleGroupDialog.h"
 #include "app/CSearchInfoWindow.h"
@@ -28,6 +31,8 @@
 #include "app/PatternTrackHeader.h"
 #include "app/RecipeListModel.h"
 #include "app/TransposeDialog.h"
+#include "app/TransportController.h"
+#include "midi/MidiPortList.h"
 #include "part/PartFile.h"
 
 #include <QApplication>
@@ -206,6 +211,25 @@ int main(int argc, char* argv[])
         app::TransposeDialog transpose(demo, part::allChords(demo), &frame);
         save(transpose, folder, QStringLiteral("transpose-dialog"));
     }
+
+    // Playing on the built-in synth (into a WAV file when TONALMANCER_SYNTH_WAV names one): the
+    // indicator shows, the grid follows the playing row. Then the dialogs of hearing and export.
+    if (!midi::MidiPortList::systemList()->deviceNames().empty()) {
+        view.midiSettings().setDeviceNumber(0);
+        frame.action("part.play")->trigger();
+        settle(1500);
+        save(frame, folder, QStringLiteral("playing"));
+        frame.action("part.stop")->trigger();
+    }
+    app::CMidiSettingsDialog midiSettings(view.midiSettings(), view.partSession()->renderOptions(),
+                                          nullptr, &frame);
+    save(midiSettings, folder, QStringLiteral("midi-settings-dialog"));
+    app::CMidiFileDialog midiFile(view.midiSettings(), view.partSession()->renderOptions(), &frame);
+    save(midiFile, folder, QStringLiteral("midi-file-dialog"));
+    song::PartWriteOptions writeOptions;
+    writeOptions.render = view.partSession()->renderOptions();
+    app::CPartWriteDialog partWrite(writeOptions, &frame);
+    save(partWrite, folder, QStringLiteral("buzz-patterns-dialog"));
 
     app::CAboutDialog about(&frame);
     save(about, folder, QStringLiteral("about"));
