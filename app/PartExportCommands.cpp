@@ -24,6 +24,7 @@ namespace app {
 namespace {
 
 const QString kWriteOptionsGroup = QStringLiteral("partWriter/");
+const QString kMarkersKey = QStringLiteral("midiFile/chordNameMarkers");
 
 } // namespace
 
@@ -60,6 +61,7 @@ midi::MidiExportOptions PartExportCommands::midiExportOptions() const
     }
     options.rangeFirst = m_session.part().selectionFirst();
     options.rangeLast = m_session.part().selectionLast();
+    options.writeChordNames = m_writeChordNames;
     return options;
 }
 
@@ -92,8 +94,11 @@ void PartExportCommands::createMidiFile()
     m_transport.stop();
 
     CMidiFileDialog dialog(m_view.midiSettings(), m_session.renderOptions(), &m_frame);
+    dialog.setWriteChordNames(m_writeChordNames);
     if (dialog.exec() != QDialog::Accepted)
         return;
+    m_writeChordNames = dialog.writeChordNames();
+    QSettings().setValue(kMarkersKey, m_writeChordNames);
     m_view.midiSettings() = dialog.settings();
     m_session.setRenderOptions(dialog.renderOptions());
     if (writeMidiFile(path))
@@ -172,6 +177,7 @@ void PartExportCommands::createBuzzPatterns()
 void PartExportCommands::loadWriteOptions()
 {
     const QSettings settings;
+    m_writeChordNames = settings.value(kMarkersKey, false).toBool();
     m_writeOptions.ignoreWave =
         settings.value(kWriteOptionsGroup + QStringLiteral("ignoreWave"), false).toBool();
     m_writeOptions.append =
