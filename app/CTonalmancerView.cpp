@@ -6,8 +6,10 @@
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordTransformCommands.h"
+#include "app/KeyboardPanel.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
+#include "app/MidiInputController.h"
 #include "app/PartExportCommands.h"
 #include "app/PartFileCommands.h"
 #include "app/PartListPanel.h"
@@ -17,13 +19,17 @@
 #include "app/PatternTrackCommands.h"
 #include "app/TransportController.h"
 #include "app/UndoRouter.h"
+#include "app/VoicingCommands.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
+#include "midi/MidiInPortList.h"
 #include "midi/MidiPortList.h"
 #include "part/Part.h"
 #include "part/PatternRecipeList.h"
+#include "player/PartPlayer.h"
 
 #include <QAction>
+#include <QDockWidget>
 #include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
@@ -101,8 +107,19 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
         registerUndoTarget(partRegion, m_partSession);
     connectTempoBar();
     connectCommands();
+    createKeyboardPanel();
 
     m_transport = new TransportController(m_frame, *m_partSession, m_midiSettings, m_ports, this);
+    m_transport->setInputPorts(m_midiInput->inputs());
+    connect(m_transport, &TransportController::midiSettingsOpening, m_keyboard,
+            &KeyboardPanel::stopSound);
+    connect(m_transport, &TransportController::midiSettingsEdited, this,
+            [this] { openMidiInput(true); });
+    connect(&m_transport->player(), &player::PartPlayer::playingChanged, m_keyboard,
+            [this](bool playing) {
+                if (playing)
+                    m_keyboard->stopSound();
+            });
     m_transport->addSpaceToggle(regions.partList);
     m_transport->addSpaceToggle(regions.patternGrid);
     m_partExports =
@@ -280,6 +297,43 @@ void CTonalmancerView::layOut(const Regions& regions)
     layout->addWidget(main);
 }
 
+void CTonalmancerView::createKeyboardPanel()
+{
+    m_keyboard = new KeyboardPanel(*m_partSession, *m_chordDatabase, *m_partList, m_ports,
+                                   m_midiSettings, &m_frame);
+    registerUndoTarget(m_keyboard, m_partSession);
+    m_keyboardDock =
+        named(new QDockWidget(tr("Keyboard"), &m_frame), "keyboardDock", tr("Keyboard"));
+    m_keyboardDock->setWidget(m_keyboard);
+    m_keyboardDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
+    m_frame.addDockWidget(Qt::BottomDockWidgetArea, m_keyboardDock);
+    QAction* toggle = m_frame.action("view.keyboard");
+    toggle->setChecked(true);
+    connect(toggle, &QAction::triggered, m_keyboardDock, &QDockWidget::setVisible);
+    connect(m_keyboardDock, &QDockWidget::visibilityChanged, toggle, [this, toggle] {
+        // Tabbed away counts as shown; only a closed dock is unchecked.
+        toggle->setChecked(!m_keyboardDock->isHidden());
+    });
+
+    m_midiInput = new MidiInputController(midi::MidiInPortList::systemList(), this);
+    m_keyboard->setMidiInput(m_midiInput);
+    m_voicing = new VoicingCommands(*m_partList, *m_partSession, m_keyboard,
+                                    [this](std::string_view id) { return m_frame.action(id); });
+}
+
+void CTonalmancerView::openMidiInput(bool reportFailure)
+{
+    const std::string& name = m_midiSettings.inputDeviceName();
+    if (m_midiInput->isOpen() && m_midiInput->deviceName() == name)
+        return;
+    const QString failure = m_midiInput->open(name);
+    if (failure.isEmpty())
+        return;
+    m_keyboard->inputLabel()->setText(tr("No MIDI input: %1").arg(failure));
+    if (reportFailure)
+        MessageBoxes::error(this, failure);
+}
+
 // ---- menus and command routing ---------------------------------------------------------------
 
 void CTonalmancerView::attachContextMenu(std::string_view name, QWidget* widget)
@@ -333,6 +387,7 @@ void CTonalmancerView::initialUpdate()
             midi::MidiSettings::read(m_dataFolder.file(midi::MidiSettings::kFileName), *m_ports);
     }
     m_chordDatabase->loadDefaults();
+    openMidiInput(false); // a keyboard not plugged in at start is no reason for a message box
     m_partPresets.load(m_dataFolder.file(part::PartPresetList::kDefaultFileName));
     m_patternPresets.load(m_dataFolder.file(part::PatternPresetList::kDefaultFileName));
     refreshPresets();
@@ -361,6 +416,8 @@ bool CTonalmancerView::mayClose()
 void CTonalmancerView::shutdown()
 {
     m_transport->stop(); // what playback changed in the settings is written too
+    m_keyboard->stopSound();
+    m_midiInput->close();
     if (m_settingsWritten || !m_ports)
         return;
     m_settingsWritten = true;

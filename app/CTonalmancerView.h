@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+class QDockWidget;
 class QListWidget;
 class QMenu;
 class QMimeData;
@@ -20,15 +21,18 @@ class QTableWidget;
 class QTreeWidget;
 
 namespace midi {
+class MidiInPortList;
 class MidiPortList;
-}
+} // namespace midi
 
 namespace app {
 
 class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
+class KeyboardPanel;
 class MathWindow;
+class MidiInputController;
 class PartExportCommands;
 class PartFileCommands;
 class PartListPanel;
@@ -37,13 +41,15 @@ class PartSession;
 class TransportController;
 class UndoRouter;
 class UndoTarget;
+class VoicingCommands;
 
 /**
  * The main form: a thin frame that composes the regions (panels) of the window and routes the
  * window's commands to them. The chord database sits on the left, the part (its chords, patterns
  * and the pattern grid) in the middle, the part settings or the song's machines and the presets
  * on the right. Undo and Redo act on the region that has, or last had, the focus. The view owns
- * the MIDI settings and the presets until their panels take them over.
+ * the MIDI settings and the presets until their panels take them over. The keyboard panel is a
+ * dock of the main window (View > Keyboard), fed by the MIDI input the settings name.
  */
 class CTonalmancerView : public CResizableFormView
 {
@@ -78,6 +84,12 @@ public:
     /** The part being edited; every part panel edits it through this session. */
     PartSession* partSession() const { return m_partSession; }
     PartListPanel* partList() const { return m_partList; }
+    /** The keyboard panel and its dock (View > Keyboard). */
+    KeyboardPanel* keyboardPanel() const { return m_keyboard; }
+    QDockWidget* keyboardDock() const { return m_keyboardDock; }
+    /** The MIDI input device the settings name. */
+    MidiInputController* midiInput() const { return m_midiInput; }
+    VoicingCommands* voicing() const { return m_voicing; }
     /** The pattern generator window (View > Math Window). */
     MathWindow* mathWindow() const { return m_mathWindow; }
     /** The Part menu's files and presets. */
@@ -148,6 +160,10 @@ private:
     QWidget* createMachinePanel();
     QWidget* createPartPresetPanel();
     QWidget* createPatternPresetPanel();
+    /** The keyboard dock and the MIDI input; after the part list, before the transport. */
+    void createKeyboardPanel();
+    /** Opens the input device the settings name, if another than the open one. */
+    void openMidiInput(bool reportFailure);
 
     void layOut(const Regions& regions);
     /** Gives a placeholder the context menu `name` of the command table. */
@@ -171,6 +187,10 @@ private:
     PartFileCommands* m_partFiles = nullptr;
     PartListPanel* m_partList = nullptr;
     MathWindow* m_mathWindow = nullptr;
+    KeyboardPanel* m_keyboard = nullptr;
+    QDockWidget* m_keyboardDock = nullptr;
+    MidiInputController* m_midiInput = nullptr;
+    VoicingCommands* m_voicing = nullptr;
     UndoRouter* m_undoRouter = nullptr;
     TransportController* m_transport = nullptr;
     PartExportCommands* m_partExports = nullptr;

@@ -42,6 +42,8 @@ constexpr std::array kMenuBar = {
     CommandEntry{"part.transpose", "&Part", "T&ranspose", "", "Transpose the selected chords (or all) by half-notes."},
     CommandEntry{"part.mirror", "&Part", "Mirr&or", "", "Mirror the notes of the selected chords (or all) around a note."},
     CommandEntry{"part.noteLimits", "&Part", "Note L&imits", "", "Move the notes of the selected chords (or all) into a range by octaves."},
+    CommandEntry{"part.voicing", "&Part", "&Voicing", "", "Voice the selected chords (or all) in a style within a range."},
+    CommandEntry{"part.voiceLeading", "&Part", "Voi&ce Leading", "", "Move the voices of the selected chords (or all) as little as possible."},
 
     CommandEntry{"machines.add", "&Machines", "&Add Machine", "F4", "Add a new machine to the song.", false, kLater},
     CommandEntry{"machines.scanGear", "&Machines", "&Scan Gear-Directory", "", "Scan all Buzz-machines."},
@@ -54,6 +56,7 @@ constexpr std::array kMenuBar = {
     CommandEntry{"view.patternInfo", "&View", "&Pattern Info", "", "Show the patternlist.", false, kLater},
     CommandEntry{"view.searchInfo", "&View", "&Search Info", "", "Show the search info window."},
     CommandEntry{"view.mathWindow", "&View", "Math &Window", "", "Show the pattern generator window."},
+    CommandEntry{"view.keyboard", "&View", "&Keyboard", "", "Show or hide the keyboard panel.", true},
 
     CommandEntry{"help.topics", "&?", "&Help Topics", "Ctrl+F1", "Open help.\nHelp"},
     CommandEntry{"help.about", "&?", "&About", "", "Open help.\nHelp"},
@@ -154,6 +157,8 @@ constexpr std::array kContextMenus = {
     CommandEntry{"part.transpose", "partList|&Transform", "&Transpose", "", "Transpose the selected chords (or all) by half-notes."},
     CommandEntry{"part.mirror", "partList|&Transform", "&Mirror", "", "Mirror the notes of the selected chords (or all) around a note."},
     CommandEntry{"part.noteLimits", "partList|&Transform", "Note &Limits", "", "Move the notes of the selected chords (or all) into a range by octaves."},
+    CommandEntry{"part.voicing", "partList|&Transform", "&Voicing", "", "Voice the selected chords (or all) in a style within a range."},
+    CommandEntry{"part.voiceLeading", "partList|&Transform", "Voi&ce Leading", "", "Move the voices of the selected chords (or all) as little as possible."},
     CommandEntry{"partList.removeDouble", "partList", "Remove &Double", "", "Remove neighbouring chords with the same notes from the selected chords (or all)."},
     CommandEntry{"chords.findScale", "partList", "Find Sc&ale", "", "Search for a scale in the database."},
     CommandEntry{"part.printChordList", "partList", "Print &List", "Ctrl+P", "Print chord list."},

@@ -22,6 +22,7 @@
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordSettingsDialog.h"
 #include "app/ForbidNotesDialog.h"
+#include "app/KeyboardPanel.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
 #include "app/PartListModel.h"
@@ -32,10 +33,13 @@
 #include "app/RecipeListModel.h"
 #include "app/TransposeDialog.h"
 #include "app/TransportController.h"
+#include "app/VoicingDialog.h"
+#include "midi/MidiInPortList.h"
 #include "midi/MidiPortList.h"
 #include "part/PartFile.h"
 
 #include <QApplication>
+#include <QDockWidget>
 #include <QDir>
 #include <QListView>
 #include <QMenu>
@@ -210,6 +214,20 @@ int main(int argc, char* argv[])
         // The transformation dialogs share one frame; Transpose shows it.
         app::TransposeDialog transpose(demo, part::allChords(demo), &frame);
         save(transpose, folder, QStringLiteral("transpose-dialog"));
+
+        // The keyboard panel with E, C and G chosen on it, named; then Voice Leading previewing
+        // its outcome on the panel.
+        app::KeyboardPanel& keys = *view.keyboardPanel();
+        keys.showNotes({52, 60, 67}, QStringLiteral("Chosen on the keyboard"));
+        save(frame, folder, QStringLiteral("keyboard-window"));
+        save(*view.keyboardDock(), folder, QStringLiteral("keyboard-panel"));
+        app::VoicingDialog voicing(demo, part::allChords(demo), 0, true, &frame);
+        QObject::connect(&voicing, &app::VoicingDialog::previewChanged, &keys,
+                         &app::KeyboardPanel::showNotes);
+        voicing.refresh();
+        save(voicing, folder, QStringLiteral("voicing-dialog"));
+        save(*view.keyboardDock(), folder, QStringLiteral("voicing-preview"));
+        voicing.hide();
     }
 
     // Playing on the built-in synth (into a WAV file when TONALMANCER_SYNTH_WAV names one): the
@@ -223,6 +241,7 @@ int main(int argc, char* argv[])
     }
     app::CMidiSettingsDialog midiSettings(view.midiSettings(), view.partSession()->renderOptions(),
                                           nullptr, &frame);
+    midiSettings.setInputPorts(midi::MidiInPortList::systemList());
     save(midiSettings, folder, QStringLiteral("midi-settings-dialog"));
     app::CMidiFileDialog midiFile(view.midiSettings(), view.partSession()->renderOptions(), &frame);
     save(midiFile, folder, QStringLiteral("midi-file-dialog"));

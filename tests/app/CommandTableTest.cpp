@@ -59,6 +59,8 @@ const MenuRow kExpectedMenuBar[] = {
     {"Part", "Transpose", "", nullptr},
     {"Part", "Mirror", "", nullptr},
     {"Part", "Note Limits", "", nullptr},
+    {"Part", "Voicing", "", nullptr},
+    {"Part", "Voice Leading", "", nullptr},
     {"Machines", "Add Machine", "F4", "Add a new machine to the song."},
     {"Machines", "Scan Gear-Directory", "", "Scan all Buzz-machines."},
     {"Machines", "Scan Single File", "", "Scan one machine."},
@@ -68,6 +70,7 @@ const MenuRow kExpectedMenuBar[] = {
     {"View", "Pattern Info", "", "Show the patternlist."},
     {"View", "Search Info", "", "Show the search info window."},
     {"View", "Math Window", "", "Show the pattern generator window."},
+    {"View", "Keyboard", "", nullptr},
     {"?", "Help Topics", "Ctrl+F1", "Open help.\nHelp"},
     {"?", "About", "", "Open help.\nHelp"},
 };

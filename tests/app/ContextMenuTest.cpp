@@ -36,7 +36,7 @@ const std::pair<const char*, QStringList> kExpectedMenus[] = {
         "Sort > By Name > Downwards", "Sort > By Notes > Upwards", "Sort > By Notes > Downwards",
         "Normalize > All", "Normalize > Selected", "Normalize > Invert",
         "Transform > Transpose", "Transform > Mirror", "Transform > Note Limits",
-        "Remove Double", "Find Scale",
+        "Transform > Voicing", "Transform > Voice Leading", "Remove Double", "Find Scale",
         "Print List\tCtrl+P", "Undo\tCtrl+Z"}},
     {"patternList", {"New\tCtrl+Return", "Rename", "Create Copy\tCtrl+Shift+Return",
         "Remove\tCtrl+Shift+Del", "Clear List", "Add Pattern To Presets",
