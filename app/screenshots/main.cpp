@@ -167,7 +167,8 @@ int main(int argc, char* argv[])
         {true, false, true, false, true, false, false, true, false, false, false, false}, QString(),
         QString());
     save(*chordCommands.searchInfo(), folder, QStringLiteral("search-info"));
-    // The default song in the machine view; a generator the database does not know is learnt.
+    // Messages are printed, never shown: a modal box would stop the run. The default song in the
+    // machine view; a generator the database does not know is learnt.
     app::MessageBoxes::setHandler(
         [](QWidget*, const QString& text, QMessageBox::Icon, QMessageBox::StandardButtons) {
             std::printf("message: %s\n", qPrintable(text));
@@ -178,7 +179,6 @@ int main(int argc, char* argv[])
         save(frame, folder, QStringLiteral("machine-view"));
         view.showMachineView(false);
     }
-    app::MessageBoxes::setHandler({});
 
     // The pattern editor on the demo part's first pattern, its first chord chosen.
     part::Part demo;
