@@ -86,6 +86,8 @@ int runScanGear(const Arguments& args, Context& context)
             context.out() << "added\t" << name << '\n';
         for (const fs::path& file : report.skipped)
             context.out() << "skipped\t" << file.string() << '\n';
+        for (const fs::path& file : report.refused)
+            context.out() << "refused\t" << file.string() << '\n';
     }
     context.out() << MachineScanner::kScanDoneMessage << '\n';
     return kExitSuccess;
