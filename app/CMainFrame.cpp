@@ -10,11 +10,10 @@
 #include "app/CommandTable.h"
 #include "app/ContextHelp.h"
 #include "app/FileFilters.h"
+#include "app/GearScanRunner.h"
 #include "app/HelpRouter.h"
 #include "app/MessageBoxes.h"
-#include "app/WaitCursor.h"
 #include "song/FileErrorCode.h"
-#include "song/MachineScanner.h"
 
 #include <QAction>
 #include <QApplication>
@@ -175,6 +174,7 @@ void CMainFrame::setDocumentAndView(CTonalmancerDoc* document, CTonalmancerView*
     if (m_document != nullptr) {
         m_document->setUnknownMachineHandler(m_machineDialogs.get());
         connect(m_document, &CTonalmancerDoc::songChanged, this, &CMainFrame::updateTitle);
+        connect(m_document, &CTonalmancerDoc::modifiedChanged, this, &CMainFrame::updateTitle);
         connectDocumentCommands();
     }
     updateTitle();
@@ -183,14 +183,22 @@ void CMainFrame::setDocumentAndView(CTonalmancerDoc* document, CTonalmancerView*
 void CMainFrame::connectDocumentCommands()
 {
     const QString filter = QString::fromLatin1(CTonalmancerDoc::kFileFilter);
-    connect(action("file.new"), &QAction::triggered, this, [this] { m_document->newSong(); });
+    connect(action("file.new"), &QAction::triggered, this, [this] {
+        if (maySongBeLost())
+            m_document->newSong();
+    });
     connect(action("file.open"), &QAction::triggered, this, [this, filter] {
+        if (!maySongBeLost())
+            return;
         const QString path =
             QFileDialog::getOpenFileName(this, tr("Open Buzz Song"), songFolder(), filter);
         if (!path.isEmpty())
             openSong(path);
     });
-    connect(action("file.update"), &QAction::triggered, this, [this] { reloadSong(); });
+    connect(action("file.update"), &QAction::triggered, this, [this] {
+        if (maySongBeLost())
+            reloadSong();
+    });
     connect(action("file.save"), &QAction::triggered, this, [this] { saveSong(); });
     connect(action("file.saveAs"), &QAction::triggered, this, [this, filter] {
         const QString path =
@@ -206,11 +214,14 @@ void CMainFrame::connectDocumentCommands()
             scanSingleFile(path);
     });
     connect(action("machines.scanGear"), &QAction::triggered, this, [this] {
-        const QString path = QFileDialog::getExistingDirectory(this, tr("Gear Directory"));
+        const QString path = QFileDialog::getExistingDirectory(this, tr("Select \\Gear Directory"));
         if (!path.isEmpty())
             scanGearDirectory(path);
     });
-    connect(action("file.loadDefault"), &QAction::triggered, this, [this] { loadDefaultSong(); });
+    connect(action("file.loadDefault"), &QAction::triggered, this, [this] {
+        if (maySongBeLost())
+            loadDefaultSong();
+    });
     connect(action("file.saveAsDefault"), &QAction::triggered, this,
             [this] { saveSongAsDefault(); });
 }
@@ -224,10 +235,27 @@ QString CMainFrame::songFolder() const
                : QString();
 }
 
+bool CMainFrame::maySongBeLost()
+{
+    if (m_document == nullptr || !m_document->isModified())
+        return true;
+    const auto answer = MessageBoxes::show(
+        this, tr("The song %1 has been changed.\nSave the changes?").arg(m_document->title()),
+        QMessageBox::Question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    if (answer == QMessageBox::Cancel)
+        return false;
+    return answer == QMessageBox::No || saveSong();
+}
+
 bool CMainFrame::reportLoad(const music::Result& result)
 {
-    if (result)
+    if (result) {
+        // A song read with warnings is usable; say what the reader had to assume.
+        if (!m_document->readWarnings().isEmpty())
+            MessageBoxes::show(this, m_document->readWarnings().join(QStringLiteral("\n\n")),
+                               QMessageBox::Warning);
         return true;
+    }
     // The reader's own message first (not a Buzz file, unknown machine), unless a dialog on the
     // way has shown it already; then the code.
     if (!result.message().empty() && !m_machineDialogs->messageShown())
@@ -282,38 +310,26 @@ bool CMainFrame::loadDefaultSong()
 
 bool CMainFrame::scanSingleFile(const QString& dllPath)
 {
-    bool changed = false;
-    music::Result result;
-    {
-        WaitCursor wait;
-        result = song::MachineScanner::scanSingleDll(m_document->dataFolder().root(),
-                                                     dllPath.toStdString(), changed);
-    }
-    if (!result) {
-        MessageBoxes::error(this, QString::fromStdString(result.message()));
+    const GearScanRunner::Outcome outcome = GearScanRunner::scanSingleFile(
+        this, m_document->dataFolder().root(), dllPath.toStdString());
+    if (!outcome.result) {
+        MessageBoxes::error(this, QString::fromStdString(outcome.result.message()));
         return false;
     }
-    statusBar()->showMessage(changed ? tr("The machine was added to the machine database.")
-                                     : tr("The machine database knows this machine already."),
-                             5000);
+    MessageBoxes::show(this, GearScanRunner::singleSummary(outcome), QMessageBox::Information);
     return true;
 }
 
 bool CMainFrame::scanGearDirectory(const QString& gearPath)
 {
-    music::Result result;
-    {
-        WaitCursor wait;
-        result = song::MachineScanner::scanGearDirectory(m_document->dataFolder().root(),
-                                                         gearPath.toStdString());
-    }
-    if (!result) {
-        MessageBoxes::error(this, QString::fromStdString(result.message()));
+    const GearScanRunner::Outcome outcome = GearScanRunner::scanGearDirectory(
+        this, m_document->dataFolder().root(), gearPath.toStdString());
+    if (!outcome.result) {
+        MessageBoxes::error(this, QString::fromStdString(outcome.result.message()));
         return false;
     }
-    MessageBoxes::show(this, ActionFactory::toQString(song::MachineScanner::kScanDoneMessage),
-                       QMessageBox::Information);
-    return true;
+    MessageBoxes::show(this, GearScanRunner::gearSummary(outcome), QMessageBox::Information);
+    return !outcome.report.cancelled;
 }
 
 bool CMainFrame::saveSongAsDefault()
@@ -356,6 +372,10 @@ void CMainFrame::restoreWindowState()
 
 void CMainFrame::closeEvent(QCloseEvent* event)
 {
+    if (!maySongBeLost()) {
+        event->ignore();
+        return;
+    }
     QSettings settings;
     settings.setValue(QStringLiteral("mainFrame/geometry"), saveGeometry());
     settings.setValue(QStringLiteral("mainFrame/state"), saveState());
