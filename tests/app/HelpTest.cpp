@@ -8,10 +8,10 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QScrollBar>
 #include <QComboBox>
 #include <QFile>
 #include <QListWidget>
-#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
