@@ -130,15 +130,18 @@ void MachineCommands::remove()
     std::vector<std::string> names;
     const std::vector<std::size_t> selected = m_panel.selectedMachines();
     if (!selected.empty()) {
-        if (!MessageBoxes::askYesNo(&m_panel, QStringLiteral("Remove all SELECTED machines\nAre you sure?"),
+        if (!MessageBoxes::askYesNo(&m_panel,
+                                    QStringLiteral("Remove all SELECTED machines\nAre you sure?"),
                                     QStringLiteral("Remove Machines")))
             return;
         for (const std::size_t machine : selected)
             names.push_back(song->machines()[machine].name);
-    } else if (const auto current = m_panel.currentMachine(); current && *current < song->machineCount()) {
+    } else if (const auto current = m_panel.currentMachine();
+               current && *current < song->machineCount()) {
         const QString name = fromStd(song->machines()[*current].name);
-        if (!MessageBoxes::askYesNo(&m_panel, QStringLiteral("Remove ") + name + QStringLiteral("\nAre you sure?"),
-                                    QStringLiteral("Remove ") + name))
+        if (!MessageBoxes::askYesNo(
+                &m_panel, QStringLiteral("Remove ") + name + QStringLiteral("\nAre you sure?"),
+                QStringLiteral("Remove ") + name))
             return;
         names.push_back(song->machines()[*current].name);
     } else {
@@ -238,8 +241,7 @@ void MachineCommands::replace()
     for (std::size_t i = 0; i < database.entries.size(); ++i) {
         song::ReplacementPlan plan;
         const song::MachineDatabaseEntry& entry = database.entries.entry(i);
-        if (entry.dllName != machine.dllName &&
-            song::planReplacement(*song, *current, entry, plan))
+        if (entry.dllName != machine.dllName && song::planReplacement(*song, *current, entry, plan))
             candidates.push_back(i);
     }
     if (candidates.empty()) {
@@ -321,8 +323,7 @@ bool MachineCommands::addFromDatabase(std::size_t databaseIndex)
     const std::optional<std::size_t> into = destination();
     std::size_t added = 0;
     if (!report(m_panel.document().edit(tr("Add machine"), [&](song::BuzzSong& s) {
-            return song::addMachine(s, entry, databaseIndex, database.dataFor(entry), into,
-                                    added);
+            return song::addMachine(s, entry, databaseIndex, database.dataFor(entry), into, added);
         })))
         return false;
     // Selected, so that "Create Buzz Patterns" writes into it at once.

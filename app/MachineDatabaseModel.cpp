@@ -12,10 +12,12 @@ MachineDatabaseModel::MachineDatabaseModel(const std::vector<song::MachineDataba
     : QAbstractListModel(parent), m_entries(entries), m_candidates(std::move(candidates))
 {
     // By name, as a musician looks for a machine.
-    std::stable_sort(m_candidates.begin(), m_candidates.end(), [this](std::size_t a, std::size_t b) {
-        return QString::fromStdString(m_entries[a].dllName)
-                   .compare(QString::fromStdString(m_entries[b].dllName), Qt::CaseInsensitive) < 0;
-    });
+    std::stable_sort(m_candidates.begin(), m_candidates.end(),
+                     [this](std::size_t a, std::size_t b) {
+                         return QString::fromStdString(m_entries[a].dllName)
+                                    .compare(QString::fromStdString(m_entries[b].dllName),
+                                             Qt::CaseInsensitive) < 0;
+                     });
     m_shown = m_candidates;
 }
 

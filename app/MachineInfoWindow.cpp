@@ -49,9 +49,7 @@ QString valueText(int type, std::int32_t value)
     }
     if (value < 0)
         return QString::number(value);
-    return QStringLiteral("%1 (%2h)")
-        .arg(value)
-        .arg(QString::number(value, 16).toUpper());
+    return QStringLiteral("%1 (%2h)").arg(value).arg(QString::number(value, 16).toUpper());
 }
 
 /** The values a parameter type can hold, when the song does not give the machine's range. */
@@ -98,6 +96,7 @@ QTableView* makeTable(QWidget* parent, const char* name, const QString& accessib
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table->setAlternatingRowColors(true);
     table->verticalHeader()->hide();
+    table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 6);
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table->horizontalHeader()->setStretchLastSection(true);
     return table;
@@ -157,11 +156,11 @@ void MachineInfoWindow::refresh()
     const song::SongMachine& m = song->machines()[*machine];
     const QString name = QString::fromStdString(m.name);
     setWindowTitle(tr("Machine Info - %1").arg(name));
-    QString text = m.isMaster() ? tr("%1: the master").arg(name)
-                                : tr("%1: %2, a %3")
-                                      .arg(name, QString::fromStdString(m.dllName),
-                                           MachineListModel::kindText(MachineListModel::kindOf(m))
-                                               .toLower());
+    QString text =
+        m.isMaster() ? tr("%1: the master").arg(name)
+                     : tr("%1: %2, a %3")
+                           .arg(name, QString::fromStdString(m.dllName),
+                                MachineListModel::kindText(MachineListModel::kindOf(m)).toLower());
     text += QLatin1Char('\n') + tr("Tracks: %1; the machine database allows %2 to %3")
                                     .arg(m.trackCount)
                                     .arg(m.description.minTracks)
@@ -189,10 +188,10 @@ void MachineInfoWindow::fillParameters(const song::BuzzSong& song, std::size_t m
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         const song::MachineParameter& p = parameters[i];
         const QString range =
-            set != nullptr ? QStringLiteral("%1..%2")
-                                 .arg(valueText(p.type, set->parameters[i].minimum),
-                                      valueText(p.type, set->parameters[i].maximum))
-                           : typeRange(p.type);
+            set != nullptr
+                ? QStringLiteral("%1..%2").arg(valueText(p.type, set->parameters[i].minimum),
+                                               valueText(p.type, set->parameters[i].maximum))
+                : typeRange(p.type);
         rows.push_back({p.isGlobal() ? tr("global") : tr("track"), QString::fromStdString(p.name),
                         typeName(p.type), range, valueText(p.type, p.defaultValue),
                         valueText(p.type, p.noValue)});
@@ -213,8 +212,8 @@ void MachineInfoWindow::fillConnections(const song::BuzzSong& song, std::size_t 
     std::vector<QStringList> rows;
     for (const song::SongConnection& c : song.connections()) {
         if (c.destination == machine)
-            rows.push_back({tr("from"), nameOf(c.source), amplitudeText(c.amplitude),
-                            panningText(c.panning)});
+            rows.push_back(
+                {tr("from"), nameOf(c.source), amplitudeText(c.amplitude), panningText(c.panning)});
     }
     for (const song::SongConnection& c : song.connections()) {
         if (c.source == machine)

@@ -224,7 +224,7 @@ QVariant MachineListModel::data(const QModelIndex& index, int role) const
     case Qt::ToolTipRole:
         return toolTip(*song, machine);
     case Qt::TextAlignmentRole:
-        return index.column() >= TracksColumn
+        return index.column() >= TracksColumn && index.column() <= SequencesColumn
                    ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
                    : QVariant(Qt::AlignLeft | Qt::AlignVCenter);
     default:

@@ -31,11 +31,11 @@ public:
     enum Column : int
     {
         NameColumn,
-        DllColumn,
         KindColumn,
         TracksColumn,
         PatternsColumn,
         SequencesColumn,
+        DllColumn, // last: long, and the side of the window is narrow
         ColumnCount
     };
 

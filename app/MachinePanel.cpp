@@ -201,8 +201,8 @@ void MachinePanel::selectMachine(std::size_t machine)
     if (row < 0)
         return;
     const QModelIndex index = m_model->index(row, 0);
-    m_view->selectionModel()->setCurrentIndex(
-        index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    m_view->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
+                                                         QItemSelectionModel::Rows);
     m_view->scrollTo(index);
 }
 

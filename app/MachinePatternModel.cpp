@@ -69,7 +69,8 @@ QString MachinePatternModel::usedAt(std::size_t pattern) const
 QString MachinePatternModel::cellText(int row, int column) const
 {
     const auto machine = validMachine();
-    if (!machine || row < 0 || static_cast<std::size_t>(row) >= m_document.song()->patternCount(*machine))
+    if (!machine || row < 0 ||
+        static_cast<std::size_t>(row) >= m_document.song()->patternCount(*machine))
         return {};
     const song::SongPattern& pattern =
         m_document.song()->patternBlocks()[*machine].patterns[static_cast<std::size_t>(row)];

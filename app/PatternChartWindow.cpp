@@ -124,7 +124,8 @@ void PatternChartWindow::refresh()
     else if (m_waves && song->machines()[*machine].description.findParameter("wave") < 0)
         m_summary->setText(tr("%1 has no wave parameter: it plays no waves.").arg(name));
     else if (m_waves)
-        m_summary->setText(tr("%1: %2 wave cells in %3 patterns.").arg(name).arg(total).arg(usage.size()));
+        m_summary->setText(
+            tr("%1: %2 wave cells in %3 patterns.").arg(name).arg(total).arg(usage.size()));
     else
         m_summary->setText(tr("%1: %2 notes and note-offs in %3 patterns.")
                                .arg(name)

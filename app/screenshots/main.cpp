@@ -11,16 +11,22 @@
 #include "app/CScaleGroupDialog.h"
 #include "app/CSearchInfoWindow.h"
 #include "app/CTonalmancerApp.h"
+#include "app/CTonalmancerDoc.h"
 #include "app/CTonalmancerView.h"
 #include "app/CTreeCtrlX.h"
 #include "app/CTypeManagerDialog.h"
 #include "app/ChordCollectionModel.h"
 #include "app/ChordDatabaseCommands.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/MachineInfoWindow.h"
+#include "app/MachinePanel.h"
 #include "app/MessageBoxes.h"
 #include "app/PartSession.h"
+#include "app/PatternChartWindow.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternInfoWindow.h"
 #include "part/PartFile.h"
+#include "song/PartWriter.h"
 
 #include <QApplication>
 #include <QDir>
@@ -142,7 +148,27 @@ int main(int argc, char* argv[])
         });
     if (frame.loadDefaultSong()) {
         view.showMachineView(true);
+        app::MachinePanel& machines = *view.machinePanel();
+        // The demo part written into the generator, so that its windows have patterns to show.
+        part::Part demo;
+        if (part::PartFile::load(tonalmancer.dataFolder().file(part::PartFile::kDefaultFileName),
+                                 demo)) {
+            tonalmancer.document()->edit(QStringLiteral("Create Buzz Patterns"),
+                                         [&demo](song::BuzzSong& song) {
+                                             song::PartWriteOptions options;
+                                             options.makeSequence = true;
+                                             song::PartWriter::write(song, 1, demo, options);
+                                             return music::Result::success();
+                                         });
+        }
+        machines.selectMachine(1);
         save(frame, folder, QStringLiteral("machine-view"));
+        save(*machines.showMachineInfo(), folder, QStringLiteral("machine-info"));
+        save(*machines.showPatternInfo(), folder, QStringLiteral("pattern-info"));
+        save(*machines.showChart(false), folder, QStringLiteral("notes-chart"));
+        for (QWidget* window : std::initializer_list<QWidget*>{
+                 machines.showMachineInfo(), machines.showPatternInfo(), machines.showChart(false)})
+            window->close();
         view.showMachineView(false);
     }
     app::MessageBoxes::setHandler({});
@@ -161,6 +187,9 @@ int main(int argc, char* argv[])
     app::CAboutDialog about(&frame);
     save(about, folder, QStringLiteral("about"));
 
+    // The song got the demo part: leave without saving it.
+    app::MessageBoxes::setHandler([](QWidget*, const QString&, QMessageBox::Icon,
+                                     QMessageBox::StandardButtons) { return QMessageBox::No; });
     frame.close();
     return 0;
 }
