@@ -275,10 +275,10 @@ bool MachineCommands::replaceWith(std::size_t databaseIndex)
     if (!report(song::planReplacement(*song, *current, entry, plan)))
         return false;
     const QString name = fromStd(song->machines()[*current].name);
-    if (!plan.losesNothing()) {
+    // Anything lost is listed, machine settings without values in the patterns too.
+    if (const std::vector<std::string> losses = plan.describe(); !losses.empty()) {
         const QString question = tr("Replacing %1 by %2 loses:").arg(name, fromStd(entry.dllName)) +
-                                 listed(plan.describe()) + QStringLiteral("\n\n") +
-                                 tr("Replace it?");
+                                 listed(losses) + QStringLiteral("\n\n") + tr("Replace it?");
         if (MessageBoxes::show(&m_panel, question, QMessageBox::Warning,
                                QMessageBox::Yes | QMessageBox::No,
                                tr("Replace Machine")) != QMessageBox::Yes)

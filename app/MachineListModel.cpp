@@ -258,8 +258,11 @@ Qt::ItemFlags MachineListModel::flags(const QModelIndex& index) const
 {
     Qt::ItemFlags flags = QAbstractTableModel::flags(index);
     const song::BuzzSong* song = m_document.song();
-    if (index.isValid() && index.column() == NameColumn && song != nullptr &&
-        !song->machines()[machineAt(index.row())].isMaster())
+    if (!index.isValid() || index.column() != NameColumn || song == nullptr ||
+        index.row() >= rowCount())
+        return flags;
+    const std::size_t machine = machineAt(index.row());
+    if (machine < song->machineCount() && !song->machines()[machine].isMaster())
         flags |= Qt::ItemIsEditable;
     return flags;
 }

@@ -71,6 +71,11 @@ public:
 
     /** The song's index of the machine in `row`; no check. */
     std::size_t machineAt(int row) const { return m_rows[static_cast<std::size_t>(row)].machine; }
+    /**
+     * The name of the machine in `row` as the rows were last built: still the old name while
+     * the song has changed and `sync` has not run yet. No check.
+     */
+    const std::string& nameAt(int row) const { return m_rows[static_cast<std::size_t>(row)].name; }
     /** The row of song machine `machine`, or -1 when it is filtered out or absent. */
     int rowOfMachine(std::size_t machine) const;
     /** The row of the machine named `name` (exact), or -1. */

@@ -51,13 +51,11 @@ MachinePanel::MachinePanel(CTonalmancerDoc& document, midi::MidiSettings& settin
     });
 
     // The selection survives a rebuild of the rows by the machines' names.
+    // The rows' own names: the song may have changed under them already (undo).
     connect(m_model, &QAbstractItemModel::modelAboutToBeReset, this, [this] {
         m_namesBeforeReset = selectedNames();
-        const auto current = currentMachine();
-        const song::BuzzSong* song = m_document.song();
-        m_currentBeforeReset = current && song != nullptr && *current < song->machineCount()
-                                   ? song->machines()[*current].name
-                                   : std::string();
+        const QModelIndex current = m_view->currentIndex();
+        m_currentBeforeReset = current.isValid() ? m_model->nameAt(current.row()) : std::string();
     });
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
         selectNames(m_namesBeforeReset);
@@ -165,14 +163,13 @@ std::vector<std::size_t> MachinePanel::selectedMachines() const
 
 std::vector<std::string> MachinePanel::selectedNames() const
 {
+    std::vector<int> rows;
+    for (const QModelIndex& index : m_view->selectionModel()->selectedRows(0))
+        rows.push_back(index.row());
+    std::sort(rows.begin(), rows.end());
     std::vector<std::string> names;
-    const song::BuzzSong* song = m_document.song();
-    if (song == nullptr)
-        return names;
-    for (const std::size_t machine : selectedMachines()) {
-        if (machine < song->machineCount())
-            names.push_back(song->machines()[machine].name);
-    }
+    for (const int row : rows)
+        names.push_back(m_model->nameAt(row));
     return names;
 }
 

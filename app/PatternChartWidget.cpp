@@ -92,9 +92,9 @@ void PatternChartWidget::paintEvent(QPaintEvent*)
     const QColor special = colours.color(QPalette::Mid);
     for (int i = 0; i < count; ++i) {
         const Bar& b = m_bars[static_cast<std::size_t>(i)];
-        const int height = std::max<int>(
-            1, static_cast<int>(static_cast<double>(b.count) * kChartHeight /
-                                static_cast<double>(m_scale)));
+        const int height =
+            std::max<int>(1, static_cast<int>(static_cast<double>(b.count) * kChartHeight /
+                                              static_cast<double>(m_scale)));
         const int x = kMargin + i * step + (step - barWidth) / 2;
         painter.fillRect(QRect(x, baseline - height, barWidth, height), b.special ? special : bar);
         painter.setPen(colours.color(QPalette::Text));
