@@ -223,4 +223,10 @@ void MachineInfoWindow::fillConnections(const song::BuzzSong& song, std::size_t 
     m_connections->setRows(std::move(rows));
 }
 
+void MachineInfoWindow::showEvent(QShowEvent* event)
+{
+    refresh();
+    QWidget::showEvent(event);
+}
+
 } // namespace app

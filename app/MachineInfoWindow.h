@@ -37,6 +37,10 @@ public:
     /** Shows the panel's current machine as the song holds it now. */
     void refresh();
 
+protected:
+    /** Opened again after a while: show the song as it is now. */
+    void showEvent(QShowEvent* event) override;
+
 private:
     void fillParameters(const song::BuzzSong& song, std::size_t machine);
     void fillConnections(const song::BuzzSong& song, std::size_t machine);

@@ -133,4 +133,10 @@ void PatternChartWindow::refresh()
                                .arg(usage.size()));
 }
 
+void PatternChartWindow::showEvent(QShowEvent* event)
+{
+    refresh();
+    QWidget::showEvent(event);
+}
+
 } // namespace app

@@ -31,6 +31,10 @@ public:
     /** Draws the current machine's patterns as the song holds them now. */
     void refresh();
 
+protected:
+    /** Opened again after a while: show the song as it is now. */
+    void showEvent(QShowEvent* event) override;
+
 private:
     MachinePanel& m_panel;
     bool m_waves = false;

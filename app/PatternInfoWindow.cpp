@@ -203,4 +203,10 @@ void PatternInfoWindow::trim()
     });
 }
 
+void PatternInfoWindow::showEvent(QShowEvent* event)
+{
+    refresh();
+    QWidget::showEvent(event);
+}
+
 } // namespace app

@@ -38,6 +38,10 @@ public:
     /** Shows the current machine's patterns as the song holds them now. */
     void refresh();
 
+protected:
+    /** Opened again after a while: show the song as it is now. */
+    void showEvent(QShowEvent* event) override;
+
 private:
     /** The machine whose patterns are listed, when it is still in the song. */
     std::optional<std::size_t> machine() const;

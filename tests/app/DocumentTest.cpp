@@ -119,6 +119,7 @@ TEST_F(Document, AMachineTheDatabaseMisdescribesIsReadAsTheSongDescribesItWithAW
     ASSERT_TRUE(frame().loadDefaultSong());
     ASSERT_EQ(document().readWarnings().size(), 1);
     EXPECT_TRUE(document().readWarnings()[0].contains(QStringLiteral("Dynamite6")));
+    EXPECT_EQ(m_messages.texts(), document().readWarnings()) << "shown after opening";
     EXPECT_EQ(document().song()->machines()[1].trackRowSize, 2);
 }
 

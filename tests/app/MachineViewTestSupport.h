@@ -13,6 +13,14 @@
 #include <QMenu>
 #include <QStringList>
 
+#include <ostream>
+
+/** Failures print texts as texts. */
+inline void PrintTo(const QString& text, std::ostream* out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+
 namespace apptest {
 
 /**
