@@ -48,6 +48,7 @@ CMachineChooserDialog::CMachineChooserDialog(const QString& title,
 
     m_buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     m_buttons->setObjectName(QStringLiteral("buttons"));
+    m_buttons->setAccessibleName(tr("Choose or cancel"));
 
     auto* form = new QFormLayout;
     form->addRow(tr("&Kind:"), m_kind);

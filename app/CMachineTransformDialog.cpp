@@ -58,6 +58,7 @@ CMachineTransformDialog::CMachineTransformDialog(Mode mode, QWidget* parent)
                                    "it lands a third below."),
                                 this);
         hint->setObjectName(QStringLiteral("axisHint"));
+        hint->setAccessibleName(tr("How the notes are mirrored"));
         hint->setWordWrap(true);
         layout->addWidget(hint);
     }
@@ -65,10 +66,12 @@ CMachineTransformDialog::CMachineTransformDialog(Mode mode, QWidget* parent)
                                  "they are and are listed afterwards."),
                               this);
     notice->setObjectName(QStringLiteral("rangeNotice"));
+    notice->setAccessibleName(tr("Notes out of range"));
     notice->setWordWrap(true);
     layout->addWidget(notice);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttons->setObjectName(QStringLiteral("buttons"));
+    buttons->setAccessibleName(tr("Apply or cancel"));
     layout->addWidget(buttons);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

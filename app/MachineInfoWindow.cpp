@@ -113,6 +113,7 @@ MachineInfoWindow::MachineInfoWindow(MachinePanel& panel)
 
     m_summary = new QLabel(this);
     m_summary->setObjectName(QStringLiteral("machineSummary"));
+    m_summary->setAccessibleName(tr("About the machine"));
     m_summary->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_summary->setWordWrap(true);
 
@@ -126,6 +127,7 @@ MachineInfoWindow::MachineInfoWindow(MachinePanel& panel)
 
     auto* split = new QSplitter(Qt::Vertical, this);
     split->setObjectName(QStringLiteral("machineInfoSplit"));
+    split->setAccessibleName(tr("Parameters and connections"));
     split->addWidget(m_parameterTable);
     split->addWidget(m_connectionTable);
     split->setStretchFactor(0, 3);

@@ -54,6 +54,7 @@ PatternChartWindow::PatternChartWindow(MachinePanel& panel, bool waves)
 
     m_summary = new QLabel(this);
     m_summary->setObjectName(QStringLiteral("chartSummary"));
+    m_summary->setAccessibleName(tr("About the chart"));
     m_summary->setWordWrap(true);
 
     m_content = new QWidget;

@@ -34,6 +34,7 @@ PatternInfoWindow::PatternInfoWindow(MachinePanel& panel)
 
     m_summary = new QLabel(this);
     m_summary->setObjectName(QStringLiteral("patternSummary"));
+    m_summary->setAccessibleName(tr("About the patterns"));
     m_summary->setWordWrap(true);
 
     m_model = new MachinePatternModel(panel.document(), this);
@@ -52,6 +53,7 @@ PatternInfoWindow::PatternInfoWindow(MachinePanel& panel)
 
     auto* buttons = new QDialogButtonBox(this);
     buttons->setObjectName(QStringLiteral("patternInfoButtons"));
+    buttons->setAccessibleName(tr("Pattern commands"));
     const auto add = [this, buttons](const char* name, const QString& text, const QString& tip,
                                      void (PatternInfoWindow::*slot)()) {
         QPushButton* button = buttons->addButton(text, QDialogButtonBox::ActionRole);
