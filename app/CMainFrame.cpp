@@ -13,6 +13,7 @@
 #include "app/GearScanRunner.h"
 #include "app/HelpRouter.h"
 #include "app/MessageBoxes.h"
+#include "app/PartSession.h"
 #include "song/FileErrorCode.h"
 
 #include <QAction>
@@ -23,7 +24,6 @@
 #include <QMenuBar>
 #include <QSettings>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolBar>
 
 namespace app {
@@ -176,6 +176,12 @@ void CMainFrame::setDocumentAndView(CTonalmancerDoc* document, CTonalmancerView*
         connect(m_document, &CTonalmancerDoc::songChanged, this, &CMainFrame::updateTitle);
         connect(m_document, &CTonalmancerDoc::modifiedChanged, this, &CMainFrame::updateTitle);
         connectDocumentCommands();
+    }
+    if (m_view != nullptr) {
+        connect(m_view->partSession(), &PartSession::modifiedChanged, this,
+                &CMainFrame::updateTitle);
+        connect(m_view->partSession(), &PartSession::filePathChanged, this,
+                &CMainFrame::updateTitle);
     }
     updateTitle();
 }
@@ -353,7 +359,10 @@ void CMainFrame::updateCommandStates()
 void CMainFrame::updateTitle()
 {
     const QString name = m_document != nullptr ? m_document->title() : tr("Untitled");
-    setWindowTitle(name + QStringLiteral(" - Tonalmancer"));
+    // The song, then the part ("*" while it has unsaved changes).
+    const QString part =
+        m_view != nullptr ? QStringLiteral(" - ") + m_view->partTitle() : QString();
+    setWindowTitle(name + part + QStringLiteral(" - Tonalmancer"));
     const bool hasSong = m_document != nullptr && m_document->hasSong();
     action("file.save")->setEnabled(hasSong);
     action("file.saveAs")->setEnabled(hasSong);
@@ -372,7 +381,8 @@ void CMainFrame::restoreWindowState()
 
 void CMainFrame::closeEvent(QCloseEvent* event)
 {
-    if (!maySongBeLost()) {
+    // The part first, then the song: either question may keep the window open.
+    if ((m_view != nullptr && !m_view->mayClose()) || !maySongBeLost()) {
         event->ignore();
         return;
     }

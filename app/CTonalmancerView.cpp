@@ -6,6 +6,9 @@
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
 #include "app/MachinePanel.h"
+#include "app/MessageBoxes.h"
+#include "app/PartFileCommands.h"
+#include "app/PartListPanel.h"
 #include "app/PartSession.h"
 #include "app/PatternGridPanel.h"
 #include "app/UndoRouter.h"
@@ -26,6 +29,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -74,6 +78,8 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     setAccessibleName(tr("Tonalmancer workbench"));
     m_undoRouter = new UndoRouter(m_frame.action("edit.undo"), m_frame.action("edit.redo"), this);
     m_partSession = new PartSession(this);
+    m_partFiles = new PartFileCommands(*this, *m_partSession, m_dataFolder,
+                                       [this](std::string_view id) { return m_frame.action(id); });
 
     Regions regions;
     regions.chordDatabase = createChordDatabasePanel();
@@ -134,10 +140,11 @@ QWidget* CTonalmancerView::createChordDatabasePanel()
 
 QWidget* CTonalmancerView::createPartListPanel()
 {
-    auto* list = named(new QListWidget(this), "partList", tr("Part chords"));
-    list->setToolTip(tr("Arrange the chords here and connect them with the patterns."));
-    attachContextMenu("partList", list);
-    return list;
+    m_partList = new PartListPanel(
+        *m_partSession, *m_chordDatabase, *m_partFiles,
+        [this](std::string_view id) { return m_frame.action(id); }, this);
+    registerContextMenu("partList", m_partList->contextMenu());
+    return m_partList;
 }
 
 QWidget* CTonalmancerView::createPatternListPanel()
@@ -302,6 +309,25 @@ void CTonalmancerView::initialUpdate()
     m_patternPresets.load(m_dataFolder.file(part::PatternPresetList::kDefaultFileName));
     refreshPresets();
     m_machinePanel->applySettings();
+    m_partFiles->loadAtStart();
+}
+
+bool CTonalmancerView::openPartEditorFile(CommandLine::FileKind kind, const QString& path)
+{
+    if (kind == CommandLine::FileKind::Part)
+        return m_partFiles->openAtStart(path);
+    MessageBoxes::error(this, tr("The part editor cannot open %1 yet.").arg(path));
+    return false;
+}
+
+QString CTonalmancerView::partTitle() const
+{
+    return m_partFiles->partTitle();
+}
+
+bool CTonalmancerView::mayClose()
+{
+    return m_partFiles->maySafelyDiscard();
 }
 
 void CTonalmancerView::shutdown()
@@ -325,11 +351,24 @@ void CTonalmancerView::showMachineView(bool machines)
     m_sideStack->setCurrentWidget(machines ? m_regions.machines : m_regions.partSettings);
 }
 
+int CTonalmancerView::currentPartPreset() const
+{
+    return m_partPresetList->currentRow();
+}
+
+void CTonalmancerView::notifyPartPresetsChanged()
+{
+    refreshPresets();
+    Q_EMIT partPresetsChanged();
+}
+
 void CTonalmancerView::refreshPresets()
 {
+    const int current = m_partPresetList->currentRow();
     m_partPresetList->clear();
     for (const part::PartPreset& preset : m_partPresets.presets())
         m_partPresetList->addItem(QString::fromStdString(preset.name));
+    m_partPresetList->setCurrentRow(std::min(current, m_partPresetList->count() - 1));
     m_patternPresetList->clear();
     for (int i = 0; i < m_patternPresets.count(); ++i)
         m_patternPresetList->addItem(QString::fromStdString(m_patternPresets.preset(i).name()));

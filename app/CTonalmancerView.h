@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/CResizableFormView.h"
+#include "app/CommandLine.h"
 #include "midi/MidiSettings.h"
 #include "music/DataFolder.h"
 #include "part/PartPresetList.h"
@@ -27,6 +28,8 @@ class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
 class MachinePanel;
+class PartFileCommands;
+class PartListPanel;
 class PartSession;
 class UndoRouter;
 class UndoTarget;
@@ -60,18 +63,33 @@ public:
                      std::shared_ptr<midi::MidiPortList> ports, QWidget* parent = nullptr);
     ~CTonalmancerView() override;
 
-    /** Reads the settings file and loads the default chord database and presets. */
+    /** Reads the settings file and loads the default chord database, presets and part. */
     void initialUpdate();
+    /** Opens a part editor file named on the command line; false (and said why) when not. */
+    bool openPartEditorFile(CommandLine::FileKind kind, const QString& path);
     /** Writes the settings file; called once when the main window closes. */
     void shutdown();
 
     ChordDatabasePanel* chordDatabase() const { return m_chordDatabase; }
     /** The part being edited; every part panel edits it through this session. */
     PartSession* partSession() const { return m_partSession; }
+    PartListPanel* partList() const { return m_partList; }
+    /** The Part menu's files and presets. */
+    PartFileCommands* partFiles() const { return m_partFiles; }
+    /** The part's name for the window title, "*" marking unsaved changes. */
+    QString partTitle() const;
+    /** Asks about a changed part before the window closes; false keeps it open. */
+    bool mayClose();
     const Regions& regions() const { return m_regions; }
     const midi::MidiSettings& midiSettings() const { return m_midiSettings; }
     midi::MidiSettings& midiSettings() { return m_midiSettings; }
     const part::PartPresetList& partPresets() const { return m_partPresets; }
+    /** The part presets to change; call notifyPartPresetsChanged() afterwards. */
+    part::PartPresetList& partPresets() { return m_partPresets; }
+    /** The part presets' current item (Replace Current Preset acts on it); -1 for none. */
+    int currentPartPreset() const;
+    /** Shows the changed part presets in their list. */
+    void notifyPartPresetsChanged();
     const part::PatternPresetList& patternPresets() const { return m_patternPresets; }
 
     QTreeWidget* settingsTree() const { return m_settingsTree; }
@@ -95,6 +113,10 @@ public:
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
     void refreshPresets();
+
+Q_SIGNALS:
+    /** The part presets were changed as a list (added, replaced, loaded...). */
+    void partPresetsChanged();
 
 private:
     // One factory point per region: each returns the region's widget, ready to be laid out. The
@@ -127,6 +149,8 @@ private:
     Regions m_regions;
     ChordDatabasePanel* m_chordDatabase = nullptr;
     PartSession* m_partSession = nullptr;
+    PartFileCommands* m_partFiles = nullptr;
+    PartListPanel* m_partList = nullptr;
     UndoRouter* m_undoRouter = nullptr;
     QListWidget* m_partPresetList = nullptr;
     QListWidget* m_patternPresetList = nullptr;

@@ -74,7 +74,7 @@ music::Result loadTypes(const Arguments& args, Context& context, music::ChordTyp
 {
     if (const auto path = args.value("types"))
         return types.load(*path);
-    if (!types.load(context.dataFolder().file("default.ccl")))
+    if (!types.load(context.dataFolder().file(music::ChordTypeList::kDefaultFileName)))
         types.clear(); // no list of one's own: the built-in types alone
     return music::Result::success();
 }

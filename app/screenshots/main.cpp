@@ -18,9 +18,13 @@
 #include "app/ChordCollectionModel.h"
 #include "app/ChordDatabaseCommands.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/ChordSettingsDialog.h"
+#include "app/ForbidNotesDialog.h"
 #include "app/MachineInfoWindow.h"
 #include "app/MachinePanel.h"
 #include "app/MessageBoxes.h"
+#include "app/PartListModel.h"
+#include "app/PartListPanel.h"
 #include "app/PartSession.h"
 #include "app/PatternChartWindow.h"
 #include "app/PatternGridPanel.h"
@@ -33,6 +37,7 @@
 #include <QMenu>
 #include <QPalette>
 #include <QPixmapCache>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -114,6 +119,24 @@ int main(int argc, char* argv[])
     settle();
     save(*treeMenu, folder, QStringLiteral("chord-tree-menu"));
     treeMenu->hide();
+
+    // The part list's menu over the default part, and its chord dialogs.
+    app::PartListPanel& partList = *view.partList();
+    partList.selectRows({1, 2});
+    QMenu* partMenu = view.contextMenu("partList");
+    partMenu->popup(partList.view()->mapToGlobal(QPoint(60, 60)));
+    settle();
+    save(*partMenu, folder, QStringLiteral("part-list-menu"));
+    partMenu->hide();
+    QStringList patterns;
+    for (int i = 0; i < view.partSession()->part().patterns().count(); ++i)
+        patterns << partList.model()->patternText(i);
+    app::ChordSettingsDialog chordSettings(patterns, &frame);
+    chordSettings.setChord(view.partSession()->part().chord(1));
+    save(chordSettings, folder, QStringLiteral("chord-settings-dialog"));
+    app::ForbidNotesDialog forbid(&frame);
+    forbid.setFlags({1, 0, 1, 1, 1, 1, 0, 1, 1, 1, 1, 1});
+    save(forbid, folder, QStringLiteral("forbid-notes-dialog"));
 
     app::CGenerateDialog generate(app::CGenerateDialog::Mode::List, chords.scales(), &frame);
     save(generate, folder, QStringLiteral("generate-dialog"));

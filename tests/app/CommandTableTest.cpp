@@ -249,10 +249,10 @@ TEST_F(MainWindowCommands, PlayingFlagsDecideWhichPlayButtonsShowPressed)
 
 TEST_F(MainWindowCommands, CommandsOfTheComingPartEditorAreShownButDisabled)
 {
-    for (const char* id : {"part.createMidiFile", "part.new", "part.play"})
+    for (const char* id : {"part.createMidiFile", "part.createBuzzPatterns", "part.play"})
         EXPECT_FALSE(frame().action(id)->isEnabled()) << id;
-    for (const char* id :
-         {"file.open", "chords.manager", "chords.findChord", "help.about", "machines.add"})
+    for (const char* id : {"file.open", "chords.manager", "chords.findChord", "help.about",
+                           "part.new", "machines.add"})
         EXPECT_TRUE(frame().action(id)->isEnabled()) << id;
 }
 

@@ -18,6 +18,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListView>
+#include <QPrintPreviewDialog>
 #include <QSpinBox>
 #include <QTest>
 #include <QTimer>
@@ -439,6 +440,7 @@ TEST_F(MachineView, CtrlPOpensPatternInfoInTheMachineViewAndPrintsElsewhere)
 
     frame().activateWindow();
     view().chordDatabase()->setFocus();
+    whenOpen<QPrintPreviewDialog>([](QPrintPreviewDialog& d) { d.reject(); });
     QTest::keyClick(view().chordDatabase(), Qt::Key_P, Qt::ControlModifier);
     EXPECT_EQ(printed, 1);
     frame().hide();
