@@ -14,6 +14,7 @@
 #include "app/HelpRouter.h"
 #include "app/MessageBoxes.h"
 #include "app/PartSession.h"
+#include "music/Utf8Path.h"
 #include "song/FileErrorCode.h"
 
 #include <QAction>
@@ -144,8 +145,8 @@ void CMainFrame::createMenus()
             entry.id == "file.saveAsDefault" || entry.id == "chords.manager" ||
             entry.id == "chords.continueSearch" || entry.id == "chords.generate" ||
             entry.id == "chords.save" || entry.id == "part.createMidiFile" ||
-            entry.id == "part.saveAsDefault" || entry.id == "machines.add" ||
-            entry.id == "help.topics")
+            entry.id == "part.saveAsDefault" || entry.id == "part.addPatternToPresets" ||
+            entry.id == "machines.add" || entry.id == "help.topics")
             menu->addSeparator();
     }
 }
@@ -190,11 +191,11 @@ void CMainFrame::connectDocumentCommands()
 {
     const QString filter = QString::fromLatin1(CTonalmancerDoc::kFileFilter);
     connect(action("file.new"), &QAction::triggered, this, [this] {
-        if (maySongBeLost())
+        if (maybeSaveSong())
             m_document->newSong();
     });
     connect(action("file.open"), &QAction::triggered, this, [this, filter] {
-        if (!maySongBeLost())
+        if (!maybeSaveSong())
             return;
         const QString path =
             QFileDialog::getOpenFileName(this, tr("Open Buzz Song"), songFolder(), filter);
@@ -202,7 +203,7 @@ void CMainFrame::connectDocumentCommands()
             openSong(path);
     });
     connect(action("file.update"), &QAction::triggered, this, [this] {
-        if (maySongBeLost())
+        if (maybeSaveSong())
             reloadSong();
     });
     connect(action("file.save"), &QAction::triggered, this, [this] { saveSong(); });
@@ -225,7 +226,7 @@ void CMainFrame::connectDocumentCommands()
             scanGearDirectory(path);
     });
     connect(action("file.loadDefault"), &QAction::triggered, this, [this] {
-        if (maySongBeLost())
+        if (maybeSaveSong())
             loadDefaultSong();
     });
     connect(action("file.saveAsDefault"), &QAction::triggered, this,
@@ -239,18 +240,6 @@ QString CMainFrame::songFolder() const
     return m_document != nullptr
                ? QString::fromStdString(m_document->dataFolder().userFolder().string())
                : QString();
-}
-
-bool CMainFrame::maySongBeLost()
-{
-    if (m_document == nullptr || !m_document->isModified())
-        return true;
-    const auto answer = MessageBoxes::show(
-        this, tr("The song %1 has been changed.\nSave the changes?").arg(m_document->title()),
-        QMessageBox::Question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-    if (answer == QMessageBox::Cancel)
-        return false;
-    return answer == QMessageBox::No || saveSong();
 }
 
 bool CMainFrame::reportLoad(const music::Result& result)
@@ -317,7 +306,7 @@ bool CMainFrame::loadDefaultSong()
 bool CMainFrame::scanSingleFile(const QString& dllPath)
 {
     const GearScanRunner::Outcome outcome = GearScanRunner::scanSingleFile(
-        this, m_document->dataFolder().root(), dllPath.toStdString());
+        this, m_document->dataFolder().root(), music::pathFromUtf8(dllPath.toStdString()));
     if (!outcome.result) {
         MessageBoxes::error(this, QString::fromStdString(outcome.result.message()));
         return false;
@@ -329,13 +318,25 @@ bool CMainFrame::scanSingleFile(const QString& dllPath)
 bool CMainFrame::scanGearDirectory(const QString& gearPath)
 {
     const GearScanRunner::Outcome outcome = GearScanRunner::scanGearDirectory(
-        this, m_document->dataFolder().root(), gearPath.toStdString());
+        this, m_document->dataFolder().root(), music::pathFromUtf8(gearPath.toStdString()));
     if (!outcome.result) {
         MessageBoxes::error(this, QString::fromStdString(outcome.result.message()));
         return false;
     }
     MessageBoxes::show(this, GearScanRunner::gearSummary(outcome), QMessageBox::Information);
     return !outcome.report.cancelled;
+}
+
+bool CMainFrame::maybeSaveSong()
+{
+    if (m_document == nullptr || !m_document->isModified())
+        return true;
+    const QMessageBox::StandardButton answer = MessageBoxes::show(
+        this, tr("The song has been changed.\nDo you want to save it?"), QMessageBox::Question,
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    if (answer == QMessageBox::Cancel)
+        return false;
+    return answer == QMessageBox::No || saveSong();
 }
 
 bool CMainFrame::saveSongAsDefault()
@@ -359,10 +360,12 @@ void CMainFrame::updateCommandStates()
 void CMainFrame::updateTitle()
 {
     const QString name = m_document != nullptr ? m_document->title() : tr("Untitled");
-    // The song, then the part ("*" while it has unsaved changes).
+    // The song, then the part; each with "*" while it has unsaved changes.
+    const bool modified = m_document != nullptr && m_document->isModified();
     const QString part =
         m_view != nullptr ? QStringLiteral(" - ") + m_view->partTitle() : QString();
-    setWindowTitle(name + part + QStringLiteral(" - Tonalmancer"));
+    setWindowTitle(name + (modified ? QStringLiteral("*") : QString()) + part +
+                   QStringLiteral(" - Tonalmancer"));
     const bool hasSong = m_document != nullptr && m_document->hasSong();
     action("file.save")->setEnabled(hasSong);
     action("file.saveAs")->setEnabled(hasSong);
@@ -381,8 +384,7 @@ void CMainFrame::restoreWindowState()
 
 void CMainFrame::closeEvent(QCloseEvent* event)
 {
-    // The part first, then the song: either question may keep the window open.
-    if ((m_view != nullptr && !m_view->mayClose()) || !maySongBeLost()) {
+    if (!maybeSaveSong() || (m_view != nullptr && !m_view->mayClose())) {
         event->ignore();
         return;
     }

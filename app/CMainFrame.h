@@ -71,8 +71,11 @@ public:
      * it failed or was cancelled.
      */
     bool scanGearDirectory(const QString& gearPath);
-    /** Asks whether a song with unsaved edits may go (saving it on Yes); true when it may. */
-    bool maySongBeLost();
+    /**
+     * Before a changed song is left (new, open, reload, exit): asks whether to save it and does.
+     * False when the user cancels or the save fails; true when the song may go.
+     */
+    bool maybeSaveSong();
 
     /** The manual and the help requests of the windows. */
     HelpRouter& help() { return *m_help; }

@@ -29,8 +29,7 @@ CTonalmancerDoc::CTonalmancerDoc(music::DataFolder dataFolder, QObject* parent)
 
 QString CTonalmancerDoc::title() const
 {
-    const QString name = m_path.isEmpty() ? tr("Untitled") : QFileInfo(m_path).fileName();
-    return isModified() ? name + QLatin1Char('*') : name;
+    return m_path.isEmpty() ? tr("Untitled") : QFileInfo(m_path).fileName();
 }
 
 UndoTarget* CTonalmancerDoc::history() const

@@ -45,7 +45,7 @@ public:
     song::BuzzSong* song() { return m_song ? &*m_song : nullptr; }
     /** The file the song is saved to; empty for a new song. */
     const QString& path() const { return m_path; }
-    /** "Untitled" or the file's name, followed by "*" while the song has unsaved edits. */
+    /** "Untitled" or the file's name (the frame adds "*" while the song has unsaved edits). */
     QString title() const;
     const music::DataFolder& dataFolder() const { return m_dataFolder; }
 
@@ -74,7 +74,10 @@ public:
      */
     music::Result edit(const QString& label,
                        const std::function<music::Result(song::BuzzSong&)>& change);
-    /** Whether the song has edits that were not saved (undoing them all clears it). */
+    /**
+     * Whether the song has edits that were not saved (undoing them all clears it). A new, opened,
+     * reloaded or saved song is unchanged; saving it as the default song is not saving.
+     */
     bool isModified() const { return m_song.has_value() && m_revision != m_savedRevision; }
     /** The song's undo history, for the window's Undo and Redo. */
     UndoTarget* history() const;

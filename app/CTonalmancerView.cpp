@@ -5,17 +5,24 @@
 #include "app/CTempoBar.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/ChordTransformCommands.h"
 #include "app/MachinePanel.h"
+#include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
+#include "app/PartExportCommands.h"
 #include "app/PartFileCommands.h"
 #include "app/PartListPanel.h"
+#include "app/PartMidiDrag.h"
 #include "app/PartSession.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternTrackCommands.h"
+#include "app/TransportController.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
 #include "midi/MidiPortList.h"
 #include "part/Part.h"
+#include "part/PatternRecipeList.h"
 
 #include <QAction>
 #include <QHeaderView>
@@ -97,6 +104,15 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     registerUndoTarget(regions.machines, m_document.history());
     connectTempoBar();
     connectCommands();
+
+    m_transport = new TransportController(m_frame, *m_partSession, m_midiSettings, m_ports, this);
+    m_transport->addSpaceToggle(regions.partList);
+    m_transport->addSpaceToggle(regions.patternGrid);
+    m_partExports =
+        new PartExportCommands(*this, m_frame, m_document, *m_partSession, *m_transport, this);
+    m_midiDrag = std::make_unique<PartMidiDrag>();
+    m_partList->model()->setDragExtender(
+        [this](QMimeData& dragData) { addPartAsMidiFile(dragData); });
 }
 
 void CTonalmancerView::connectTempoBar()
@@ -144,6 +160,8 @@ QWidget* CTonalmancerView::createPartListPanel()
         *m_partSession, *m_chordDatabase, *m_partFiles,
         [this](std::string_view id) { return m_frame.action(id); }, this);
     registerContextMenu("partList", m_partList->contextMenu());
+    new ChordTransformCommands(*m_partList, *m_partSession,
+                               [this](std::string_view id) { return m_frame.action(id); });
     return m_partList;
 }
 
@@ -161,6 +179,12 @@ QWidget* CTonalmancerView::createPatternGridPanel()
         *m_partSession, [this](std::string_view id) { return m_frame.action(id); }, this);
     registerContextMenu("patternEditor", grid->contextMenu());
     registerContextMenu("trackHeader", grid->trackHeaderMenu());
+    new PatternTrackCommands(*grid);
+    m_mathWindow = new MathWindow(
+        *m_partSession, *grid, m_dataFolder.userFolder() / part::PatternRecipeList::kFileName,
+        [this](std::string_view id) { return m_frame.action(id); }, this);
+    connect(m_frame.action("view.mathWindow"), &QAction::triggered, m_mathWindow,
+            &MathWindow::showWindow);
     return grid;
 }
 
@@ -332,6 +356,7 @@ bool CTonalmancerView::mayClose()
 
 void CTonalmancerView::shutdown()
 {
+    m_transport->stop(); // what playback changed in the settings is written too
     if (m_settingsWritten || !m_ports)
         return;
     m_settingsWritten = true;
@@ -349,6 +374,17 @@ void CTonalmancerView::shutdown()
 void CTonalmancerView::showMachineView(bool machines)
 {
     m_sideStack->setCurrentWidget(machines ? m_regions.machines : m_regions.partSettings);
+}
+
+bool CTonalmancerView::addPartAsMidiFile(QMimeData& dragData)
+{
+    return m_midiDrag->addTo(dragData, m_partSession->part(), m_partExports->midiExportOptions(),
+                             m_partSession->filePath());
+}
+
+QString CTonalmancerView::lastDraggedMidiFile() const
+{
+    return m_midiDrag->lastFile();
 }
 
 int CTonalmancerView::currentPartPreset() const

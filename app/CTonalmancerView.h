@@ -14,6 +14,7 @@
 
 class QListWidget;
 class QMenu;
+class QMimeData;
 class QStackedWidget;
 class QTableWidget;
 class QTreeWidget;
@@ -28,9 +29,13 @@ class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
 class MachinePanel;
+class MathWindow;
+class PartExportCommands;
 class PartFileCommands;
 class PartListPanel;
+class PartMidiDrag;
 class PartSession;
+class TransportController;
 class UndoRouter;
 class UndoTarget;
 
@@ -74,6 +79,8 @@ public:
     /** The part being edited; every part panel edits it through this session. */
     PartSession* partSession() const { return m_partSession; }
     PartListPanel* partList() const { return m_partList; }
+    /** The pattern generator window (View > Math Window). */
+    MathWindow* mathWindow() const { return m_mathWindow; }
     /** The Part menu's files and presets. */
     PartFileCommands* partFiles() const { return m_partFiles; }
     /** The part's name for the window title, "*" marking unsaved changes. */
@@ -109,6 +116,18 @@ public:
     /** Undo and Redo act on `target` while the focus is in `region`. */
     void registerUndoTarget(QWidget* region, UndoTarget* target);
     UndoRouter* undoRouter() const { return m_undoRouter; }
+    /** Play, stop and the MIDI settings dialog. */
+    TransportController* transport() const { return m_transport; }
+    /** "Create Midi File" and "Create Buzz Patterns". */
+    PartExportCommands* partExports() const { return m_partExports; }
+    /**
+     * Adds the part, written as a MIDI file as "Create Midi File" would write it now, to the data
+     * of a drag leaving the part list (a file URL for file managers and DAWs). False when it
+     * could not be written.
+     */
+    bool addPartAsMidiFile(QMimeData& dragData);
+    /** The file the last drag offered (tests). */
+    QString lastDraggedMidiFile() const;
 
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
@@ -151,7 +170,11 @@ private:
     PartSession* m_partSession = nullptr;
     PartFileCommands* m_partFiles = nullptr;
     PartListPanel* m_partList = nullptr;
+    MathWindow* m_mathWindow = nullptr;
     UndoRouter* m_undoRouter = nullptr;
+    TransportController* m_transport = nullptr;
+    PartExportCommands* m_partExports = nullptr;
+    std::unique_ptr<PartMidiDrag> m_midiDrag;
     QListWidget* m_partPresetList = nullptr;
     QListWidget* m_patternPresetList = nullptr;
     QStackedWidget* m_sideStack = nullptr;

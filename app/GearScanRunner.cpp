@@ -1,5 +1,7 @@
 #include "app/GearScanRunner.h"
 
+#include "music/Utf8Path.h"
+
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QProgressDialog>
@@ -30,7 +32,8 @@ QString fileLines(const std::vector<fs::path>& files, std::size_t limit = 10)
 {
     QString lines;
     for (std::size_t i = 0; i < files.size() && i < limit; ++i)
-        lines += QStringLiteral("\n    ") + QString::fromStdString(files[i].filename().string());
+        lines += QStringLiteral("\n    ") +
+                 QString::fromStdString(music::utf8FromPath(files[i].filename()));
     if (files.size() > limit)
         lines += QStringLiteral("\n    ") + tr("... and %1 more").arg(files.size() - limit);
     return lines;
@@ -74,7 +77,7 @@ void GearScanRunner::run(QProgressDialog& dialog, Outcome& outcome, const Work& 
                                                 const fs::path& next) {
         done.store(d);
         total.store(t);
-        const QString name = QString::fromStdString(next.filename().string());
+        const QString name = QString::fromStdString(music::utf8FromPath(next.filename()));
         // Shown by the UI thread; dropped if the dialog is gone by then.
         QMetaObject::invokeMethod(
             &dialog,
@@ -117,9 +120,10 @@ GearScanRunner::Outcome GearScanRunner::scanSingleFile(QWidget* parent, const fs
                                                        const fs::path& dllPath)
 {
     Outcome outcome;
-    outcome.dllName = QString::fromStdString(dllPath.stem().string());
+    outcome.dllName = QString::fromStdString(music::utf8FromPath(dllPath.stem()));
     std::unique_ptr<QProgressDialog> dialog(makeDialog(parent, tr("Scan Single File"), false));
-    dialog->setLabelText(tr("Reading %1").arg(QString::fromStdString(dllPath.filename().string())));
+    dialog->setLabelText(
+        tr("Reading %1").arg(QString::fromStdString(music::utf8FromPath(dllPath.filename()))));
     run(*dialog, outcome, [&](const song::GearScanProgress&) {
         outcome.result = song::MachineScanner::scanSingleDll(dataDir, dllPath, outcome.changed);
     });

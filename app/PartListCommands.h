@@ -92,10 +92,11 @@ public:
     /** The selected chords, in order. */
     std::vector<part::PartChord> selectedChords() const;
 
-private:
-    void removeRows(std::vector<int> rows, const QString& label);
     /** Takes a transformed part as one step, keeping the selection as it was. */
     void takeTransformed(const char* label, const part::Part& transformed);
+
+private:
+    void removeRows(std::vector<int> rows, const QString& label);
 
     PartListPanel& m_panel;
     PartSession& m_session;

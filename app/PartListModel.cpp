@@ -290,6 +290,8 @@ QMimeData* PartListModel::mimeData(const QModelIndexList& indexes) const
         chords.push_back(m_chords[static_cast<std::size_t>(row)]);
     QMimeData* data = PartChordMime::create(chords);
     PartChordMime::setRows(*data, dragSource(), {rows.begin(), rows.end()});
+    if (m_dragExtender)
+        m_dragExtender(*data);
     return data;
 }
 

@@ -46,6 +46,9 @@ public:
     Display display() const { return m_display; }
     void setDisplay(Display display);
     void setDropHandler(DropHandler handler) { m_drop = std::move(handler); }
+    /** Adds to the data of every drag leaving the list (the part as a MIDI file's URL). */
+    using DragExtender = std::function<void(QMimeData& data)>;
+    void setDragExtender(DragExtender extender) { m_dragExtender = std::move(extender); }
 
     /** The pattern column's text for a pattern index: "1: Arpeggio up". */
     QString patternText(int pattern) const;
@@ -92,6 +95,7 @@ private:
     int m_playing = -1;
     bool m_syncing = false;
     DropHandler m_drop;
+    DragExtender m_dragExtender;
 };
 
 } // namespace app

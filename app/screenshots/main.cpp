@@ -7,6 +7,9 @@
 #include "app/CGenerateDialog.h"
 #include "app/CIntervalListDialog.h"
 #include "app/CMainFrame.h"
+#include "app/CMidiFileDialog.h"
+#include "app/CMidiSettingsDialog.h"
+#include "app/CPartWriteDialog.h"
 #include "app/CScaleDialog.h"
 #include "app/CScaleGroupDialog.h"
 #include "app/CSearchInfoWindow.h"
@@ -22,6 +25,7 @@
 #include "app/ForbidNotesDialog.h"
 #include "app/MachineInfoWindow.h"
 #include "app/MachinePanel.h"
+#include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
 #include "app/PartListModel.h"
 #include "app/PartListPanel.h"
@@ -29,11 +33,17 @@
 #include "app/PatternChartWindow.h"
 #include "app/PatternGridPanel.h"
 #include "app/PatternInfoWindow.h"
+#include "app/PatternTrackHeader.h"
+#include "app/RecipeListModel.h"
+#include "app/TransposeDialog.h"
+#include "app/TransportController.h"
+#include "midi/MidiPortList.h"
 #include "part/PartFile.h"
 #include "song/PartWriter.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QListView>
 #include <QMenu>
 #include <QPalette>
 #include <QPixmapCache>
@@ -205,7 +215,47 @@ int main(int argc, char* argv[])
         auto* grid = qobject_cast<app::PatternGridPanel*>(view.regions().patternGrid);
         grid->moveCursorTo(2, 1);
         save(*grid, folder, QStringLiteral("pattern-editor"));
+
+        // The track headers' menu, and the Math Window with its Euclidean arpeggio previewed.
+        QMenu* header = grid->trackHeaderMenu();
+        header->popup(grid->trackHeader()->mapToGlobal(QPoint(40, 10)));
+        settle();
+        save(*header, folder, QStringLiteral("track-header-menu"));
+        header->hide();
+        app::MathWindow& math = *view.mathWindow();
+        math.showWindow();
+        app::RecipeListModel& recipes = *math.recipeModel();
+        for (int row = 0; row < recipes.rowCount(); ++row) {
+            if (recipes.index(row).data() == QStringLiteral("Euclidean arpeggio"))
+                math.recipeList()->setCurrentIndex(recipes.index(row));
+        }
+        save(math, folder, QStringLiteral("math-window"));
+        save(*grid, folder, QStringLiteral("pattern-preview"));
+        math.hide();
+
+        // The transformation dialogs share one frame; Transpose shows it.
+        app::TransposeDialog transpose(demo, part::allChords(demo), &frame);
+        save(transpose, folder, QStringLiteral("transpose-dialog"));
     }
+
+    // Playing on the built-in synth (into a WAV file when TONALMANCER_SYNTH_WAV names one): the
+    // indicator shows, the grid follows the playing row. Then the dialogs of hearing and export.
+    if (!midi::MidiPortList::systemList()->deviceNames().empty()) {
+        view.midiSettings().setDeviceNumber(0);
+        frame.action("part.play")->trigger();
+        settle(1500);
+        save(frame, folder, QStringLiteral("playing"));
+        frame.action("part.stop")->trigger();
+    }
+    app::CMidiSettingsDialog midiSettings(view.midiSettings(), view.partSession()->renderOptions(),
+                                          nullptr, &frame);
+    save(midiSettings, folder, QStringLiteral("midi-settings-dialog"));
+    app::CMidiFileDialog midiFile(view.midiSettings(), view.partSession()->renderOptions(), &frame);
+    save(midiFile, folder, QStringLiteral("midi-file-dialog"));
+    song::PartWriteOptions writeOptions;
+    writeOptions.render = view.partSession()->renderOptions();
+    app::CPartWriteDialog partWrite(writeOptions, &frame);
+    save(partWrite, folder, QStringLiteral("buzz-patterns-dialog"));
 
     app::CAboutDialog about(&frame);
     save(about, folder, QStringLiteral("about"));

@@ -4,13 +4,13 @@
 
 #include "app/CMachineChooserDialog.h"
 #include "app/CMachineTransformDialog.h"
+#include "app/CPartWriteDialog.h"
 #include "app/CTonalmancerDoc.h"
+#include "app/PartSession.h"
 #include "app/UndoRouter.h"
 #include "app/UndoTarget.h"
-#include "part/PartFile.h"
 #include "song/BuzzNote.h"
 #include "song/DataFolderMachineCatalog.h"
-#include "song/PartWriter.h"
 #include "song/SongEdits.h"
 #include "song/SongReader.h"
 
@@ -385,17 +385,18 @@ TEST_F(MachineView, AnAddedMachineIsSelectedAndTakesAPartAtOnce)
     EXPECT_EQ(view().selectedMachineName(), QStringLiteral("M4"));
     EXPECT_EQ(undoText(), QStringLiteral("Undo Add machine"));
 
-    // What "Create Buzz Patterns" does with the selected machine, through the library.
-    part::Part demo;
-    ASSERT_TRUE(
-        part::PartFile::load(m_data.file(QStringLiteral("default.prt")).toStdString(), demo));
-    const std::size_t target = song().findMachine(view().selectedMachineName().toStdString());
-    ASSERT_TRUE(document().edit(QStringLiteral("Create Buzz Patterns"), [&](song::BuzzSong& s) {
-        return song::PartWriter::write(s, target, demo, {}).ok()
-                   ? music::Result::success()
-                   : music::Result::failure("not written");
-    }));
-    EXPECT_EQ(song().patternCount(target), static_cast<std::size_t>(demo.count()));
+    // "Create Buzz Patterns" writes the part into the selected machine as one undoable step.
+    const std::size_t target = song().findMachine("M4");
+    whenOpen<app::CPartWriteDialog>([](app::CPartWriteDialog& dialog) { dialog.accept(); });
+    frame().action("part.createBuzzPatterns")->trigger();
+    const auto chords = static_cast<std::size_t>(view().partSession()->part().count());
+    ASSERT_GT(chords, 0u);
+    EXPECT_EQ(song().patternCount(target), chords);
+    EXPECT_EQ(undoText(), QStringLiteral("Undo Create Buzz Patterns"));
+    frame().action("edit.undo")->trigger();
+    EXPECT_EQ(song().patternCount(target), 0u);
+    frame().action("edit.redo")->trigger();
+    EXPECT_EQ(song().patternCount(target), chords);
 
     // The song with the new machine writes and reads back.
     QTemporaryDir folder;
@@ -460,7 +461,7 @@ TEST_F(MachineView, ASongWithUnsavedEditsIsOnlyReplacedWhenTheUserAgrees)
         frame().action("file.new")->trigger();
         ASSERT_EQ(m_messages.texts().size(), 1);
         EXPECT_EQ(m_messages.texts()[0],
-                  QStringLiteral("The song Untitled* has been changed.\nSave the changes?"));
+                  QStringLiteral("The song has been changed.\nDo you want to save it?"));
         EXPECT_EQ(song().machineCount(), c.machinesAfter);
     }
     EXPECT_FALSE(document().isModified());
