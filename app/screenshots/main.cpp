@@ -6,6 +6,7 @@
 #include "app/CFindDialog.h"
 #include "app/CGenerateDialog.h"
 #include "app/CIntervalListDialog.h"
+#include "app/CMachineChooserDialog.h"
 #include "app/CMainFrame.h"
 #include "app/CMidiFileDialog.h"
 #include "app/CMidiSettingsDialog.h"
@@ -24,7 +25,9 @@
 #include "app/ChordSettingsDialog.h"
 #include "app/ForbidNotesDialog.h"
 #include "app/MachineInfoWindow.h"
+#include "app/MachineListModel.h"
 #include "app/MachinePanel.h"
+#include "app/MachineTreeView.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
 #include "app/PartListModel.h"
@@ -35,10 +38,11 @@
 #include "app/PatternInfoWindow.h"
 #include "app/PatternTrackHeader.h"
 #include "app/RecipeListModel.h"
-#include "app/TransposeDialog.h"
 #include "app/TransportController.h"
+#include "app/TransposeDialog.h"
 #include "midi/MidiPortList.h"
 #include "part/PartFile.h"
+#include "song/MachineDatabase.h"
 #include "song/PartWriter.h"
 
 #include <QApplication>
@@ -202,9 +206,28 @@ int main(int argc, char* argv[])
         for (QWidget* window : std::initializer_list<QWidget*>{
                  machines.showMachineInfo(), machines.showPatternInfo(), machines.showChart(false)})
             window->close();
+        QMenu* machineMenu = view.contextMenu("machineView");
+        machineMenu->popup(machines.view()->mapToGlobal(QPoint(40, 40)));
+        settle();
+        save(*machineMenu, folder, QStringLiteral("machine-view-menu"));
+        machineMenu->hide();
+        // Add Machine (F4): the synths of the database whose name holds "m".
+        song::MachineDatabase database;
+        if (database.load(tonalmancer.dataFolder().root())) {
+            std::vector<std::size_t> candidates;
+            for (std::size_t i = 0; i < database.size(); ++i) {
+                if (database.entry(i).type != 0)
+                    candidates.push_back(i);
+            }
+            app::CMachineChooserDialog chooser(QStringLiteral("Add Machine"), database.entries(),
+                                               candidates, &frame);
+            chooser.setKindFilter(app::MachineListModel::Generators);
+            save(chooser, folder, QStringLiteral("add-machine-dialog"));
+        }
         view.showMachineView(false);
     }
-    app::MessageBoxes::setHandler({});
+    // Message boxes stay printed, not shown, for the whole run: a modal box (no sound device to
+    // play on, say) would wait for a click that never comes.
 
     // The pattern editor on the demo part's first pattern, its first chord chosen.
     part::Part demo;
