@@ -197,8 +197,10 @@ QString MachineListModel::toolTip(const song::BuzzSong& song, std::size_t machin
     std::size_t events = 0;
     for (const std::size_t s : song.sequencesOf(machine))
         events += song.sequences()[s].events.size();
-    return tr("%1: %2, %3 tracks (%4..%5), %6 patterns, %7 sequence events")
-        .arg(QString::fromStdString(m.name), kindText(kindOf(m)))
+    // The DLL too: its column is the last one and often scrolled out of the narrow side pane.
+    return tr("%1 (%2): %3, %4 tracks (%5..%6), %7 patterns, %8 sequence events")
+        .arg(QString::fromStdString(m.name), cellText(song, machine, DllColumn),
+             kindText(kindOf(m)))
         .arg(m.trackCount)
         .arg(m.description.minTracks)
         .arg(m.description.maxTracks)
