@@ -20,6 +20,7 @@
 #include <QListView>
 #include <QPrintPreviewDialog>
 #include <QSpinBox>
+#include <QStackedWidget>
 #include <QTest>
 #include <QTimer>
 
@@ -444,6 +445,37 @@ TEST_F(MachineView, CtrlPOpensPatternInfoInTheMachineViewAndPrintsElsewhere)
     whenOpen<QPrintPreviewDialog>([](QPrintPreviewDialog& d) { d.reject(); });
     QTest::keyClick(view().chordDatabase(), Qt::Key_P, Qt::ControlModifier);
     EXPECT_EQ(printed, 1);
+    frame().hide();
+}
+
+TEST_F(MachineView, KeysOfTheListSelectCopyPasteAndAdd)
+{
+    writeDemoPart(1);
+    focusMachineList();
+    QTest::keyClick(panel().view(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(panel().selectedMachines(), (std::vector<std::size_t>{0, 1}));
+
+    // Ctrl+C and Ctrl+V: a copy of the generator with its patterns, one undo step.
+    selectRows({"Dynamite6"});
+    QTest::keyClick(panel().view(), Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(panel().view(), Qt::Key_V, Qt::ControlModifier);
+    ASSERT_EQ(song().machineCount(), 3u);
+    EXPECT_EQ(song().patternBlocks()[2].patterns, song().patternBlocks()[1].patterns);
+    EXPECT_EQ(undoText(), QStringLiteral("Undo Paste machine"));
+
+    // F4: the machine chooser; cancelled, nothing is added.
+    bool offered = false;
+    whenOpen<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
+        offered = true;
+        dialog.reject();
+    });
+    QTest::keyClick(panel().view(), Qt::Key_F4);
+    EXPECT_TRUE(offered);
+    EXPECT_EQ(song().machineCount(), 3u);
+
+    // Show Settings goes back to the part's settings.
+    item("view.showSettings")->trigger();
+    EXPECT_NE(view().sideStack()->currentWidget(), static_cast<QWidget*>(&panel()));
     frame().hide();
 }
 

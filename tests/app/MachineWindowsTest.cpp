@@ -208,6 +208,46 @@ TEST_F(MachineWindows, ChartsCountTheNotesAndWavesOfEachPattern)
     waves->close();
 }
 
+TEST_F(MachineWindows, ListsAndTablesGiveTheirCellsToAssistiveTechnology)
+{
+    writeDemoPart(1);
+    selectRows({"Dynamite6"});
+    app::PatternInfoWindow* patterns = panel().showPatternInfo();
+    app::MachineInfoWindow* info = panel().showMachineInfo();
+    struct Case
+    {
+        const char* what;
+        QWidget* widget;
+        int rows;
+        int row;
+        int column;
+        QString text;
+    };
+    const Case cases[] = {
+        {"machine list", panel().view(), 2, 1, app::MachineListModel::NameColumn,
+         QStringLiteral("Machine: Dynamite6")},
+        {"machine list", panel().view(), 2, 1, app::MachineListModel::KindColumn,
+         QStringLiteral("Kind: Synth")},
+        {"machine list", panel().view(), 2, 0, app::MachineListModel::DllColumn,
+         QStringLiteral("DLL: (master)")},
+        {"pattern info", patterns->table(), 7, 0, app::MachinePatternModel::NameColumn,
+         QStringLiteral("Pattern: Am")},
+        {"connections", info->connectionTable(), 1, 0, 1, QStringLiteral("Machine: Master")},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        QAccessibleInterface* table = QAccessible::queryAccessibleInterface(c.widget);
+        ASSERT_NE(table, nullptr);
+        ASSERT_NE(table->tableInterface(), nullptr);
+        EXPECT_EQ(table->tableInterface()->rowCount(), c.rows);
+        QAccessibleInterface* cell = table->tableInterface()->cellAt(c.row, c.column);
+        ASSERT_NE(cell, nullptr);
+        EXPECT_EQ(cell->text(QAccessible::Name), c.text);
+    }
+    patterns->close();
+    info->close();
+}
+
 /** The test machine DLLs that the song tests build; empty when they were not built. */
 QString testGear()
 {
