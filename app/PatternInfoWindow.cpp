@@ -4,10 +4,12 @@
 #include "app/MachinePanel.h"
 #include "app/MachinePatternModel.h"
 #include "app/MessageBoxes.h"
+#include "app/UndoTarget.h"
 #include "app/WaitCursor.h"
 #include "song/BuzzSong.h"
 #include "song/SongEdits.h"
 
+#include <QAction>
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -16,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
 
 namespace app {
 
@@ -77,6 +80,27 @@ PatternInfoWindow::PatternInfoWindow(MachinePanel& panel)
     layout->addWidget(m_table, 1);
     layout->addWidget(buttons);
     resize(520, 420);
+
+    // Its removals are taken back here too, not only in the machine list.
+    UndoTarget* history = panel.document().history();
+    const auto addKeys = [this](const QList<QKeySequence>& keys, const std::function<void()>& run) {
+        auto* action = new QAction(this);
+        action->setShortcuts(keys);
+        action->setShortcutContext(Qt::WindowShortcut);
+        connect(action, &QAction::triggered, this, run);
+        addAction(action);
+    };
+    addKeys(QKeySequence::keyBindings(QKeySequence::Undo), [history] {
+        if (history->canUndo())
+            history->undo();
+    });
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    if (!redoKeys.contains(QKeySequence(Qt::CTRL | Qt::Key_Y)))
+        redoKeys.append(QKeySequence(Qt::CTRL | Qt::Key_Y));
+    addKeys(redoKeys, [history] {
+        if (history->canRedo())
+            history->redo();
+    });
 
     connect(&panel, &MachinePanel::currentMachineChanged, this, [this] {
         if (isVisible())

@@ -174,6 +174,15 @@ TEST_F(MachineWindows, PatternInfoCommandsAskFirstAndKeepTheSequencesInStep)
         if (std::string_view(c.button) == "removeAll") {
             EXPECT_TRUE(song().sequencesOf(1).empty());
         }
+        if (c.after != written) {
+            // Undone from the window itself, not only from the machine list.
+            window->activateWindow();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+            QTest::keyClick(window->table(), Qt::Key_Z, Qt::ControlModifier);
+            EXPECT_EQ(patternRows(*window), written) << "Ctrl+Z";
+            QTest::keyClick(window->table(), Qt::Key_Y, Qt::ControlModifier);
+            EXPECT_EQ(patternRows(*window), c.after) << "Ctrl+Y";
+        }
         window->close();
     }
 }
