@@ -7,6 +7,7 @@
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordTransformCommands.h"
 #include "app/KeyboardPanel.h"
+#include "app/MachinePanel.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
 #include "app/MidiInputController.h"
@@ -36,6 +37,7 @@
 #include <QMenu>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStatusBar>
 #include <QTableWidget>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -105,6 +107,7 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     for (QWidget* partRegion : {regions.partList, regions.patternList, regions.patternGrid,
                                 regions.partSettings, regions.partPresets, regions.patternPresets})
         registerUndoTarget(partRegion, m_partSession);
+    registerUndoTarget(regions.machines, m_document.history());
     connectTempoBar();
     connectCommands();
     createKeyboardPanel();
@@ -225,26 +228,20 @@ QWidget* CTonalmancerView::createPartSettingsPanel()
 
 QWidget* CTonalmancerView::createMachinePanel()
 {
-    m_machineList = named(new QTreeWidget(this), "machineView", tr("Machines of the song"));
-    m_machineList->setHeaderLabels({tr("Machine"), tr("DLL"), tr("Patterns"), tr("Tracks")});
-    m_machineList->setRootIsDecorated(false);
-    m_machineList->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    attachContextMenu("machineView", m_machineList);
-    QMenu* menu = contextMenu("machineView");
-    ActionFactory::onTriggered(menu, "machine.selectAll", this,
-                               [this] { m_machineList->selectAll(); });
-    const std::pair<const char*, std::uint8_t> filters[] = {{"machine.viewGenerators", 0},
-                                                            {"machine.viewSynths", 1},
-                                                            {"machine.viewSamplers", 2},
-                                                            {"machine.viewEffects", 3},
-                                                            {"machine.viewAll", 4}};
-    for (const auto& [id, filter] : filters) {
-        ActionFactory::onTriggered(menu, id, this, [this, value = filter] {
-            m_midiSettings.setMachineFilter(value);
-            refreshMachines();
-        });
-    }
-    return m_machineList;
+    m_machinePanel = new MachinePanel(
+        m_document, m_midiSettings, [this](std::string_view id) { return m_frame.action(id); },
+        this);
+    registerContextMenu("machineView", m_machinePanel->contextMenu());
+    connect(m_machinePanel, &MachinePanel::statusMessage, this, [this](const QString& text) {
+        if (QStatusBar* status = m_frame.statusBar())
+            status->showMessage(text, 5000);
+    });
+    return m_machinePanel;
+}
+
+QString CTonalmancerView::selectedMachineName() const
+{
+    return m_machinePanel->selectedMachineName();
 }
 
 QWidget* CTonalmancerView::createPartPresetPanel()
@@ -374,7 +371,6 @@ void CTonalmancerView::connectCommands()
     };
     on("view.showBmx", [this] { showMachineView(true); });
     on("view.showSettings", [this] { showMachineView(false); });
-    connect(&m_document, &CTonalmancerDoc::songChanged, this, &CTonalmancerView::refreshMachines);
 }
 
 // ---- start and end ---------------------------------------------------------------------------
@@ -391,7 +387,7 @@ void CTonalmancerView::initialUpdate()
     m_partPresets.load(m_dataFolder.file(part::PartPresetList::kDefaultFileName));
     m_patternPresets.load(m_dataFolder.file(part::PatternPresetList::kDefaultFileName));
     refreshPresets();
-    refreshMachines();
+    m_machinePanel->applySettings();
     m_partFiles->loadAtStart();
 }
 
@@ -437,16 +433,6 @@ void CTonalmancerView::showMachineView(bool machines)
     m_sideStack->setCurrentWidget(machines ? m_regions.machines : m_regions.partSettings);
 }
 
-QString CTonalmancerView::selectedMachineName() const
-{
-    for (int i = 0; i < m_machineList->topLevelItemCount(); ++i) {
-        const QTreeWidgetItem* item = m_machineList->topLevelItem(i);
-        if (item->isSelected() && !item->isHidden())
-            return item->text(0);
-    }
-    return {};
-}
-
 bool CTonalmancerView::addPartAsMidiFile(QMimeData& dragData)
 {
     return m_midiDrag->addTo(dragData, m_partSession->part(), m_partExports->midiExportOptions(),
@@ -456,35 +442,6 @@ bool CTonalmancerView::addPartAsMidiFile(QMimeData& dragData)
 QString CTonalmancerView::lastDraggedMidiFile() const
 {
     return m_midiDrag->lastFile();
-}
-
-void CTonalmancerView::refreshMachines()
-{
-    QStringList selected;
-    for (const QTreeWidgetItem* item : m_machineList->selectedItems())
-        selected << item->text(0);
-    m_machineList->clear();
-    const song::BuzzSong* song = m_document.song();
-    if (song == nullptr)
-        return;
-    const std::uint8_t filter = m_midiSettings.machineFilter();
-    for (std::size_t i = 0; i < song->machineCount(); ++i) {
-        const song::SongMachine& machine = song->machines()[i];
-        // The song tells generators (1) from effects (2); synths and samplers are generators.
-        const bool generator = machine.type == 1;
-        const bool effect = machine.type == 2;
-        if ((filter <= 2 && !generator) || (filter == 3 && !effect))
-            continue;
-        auto* item = new QTreeWidgetItem(m_machineList);
-        item->setText(0, QString::fromStdString(machine.name));
-        item->setText(1, machine.isMaster() ? tr("(master)")
-                                            : QString::fromStdString(machine.dllName));
-        item->setText(2, QString::number(song->patternCount(i)));
-        item->setText(3, QString::number(machine.trackCount));
-        item->setSelected(selected.contains(item->text(0)));
-    }
-    for (int column = 0; column < 3; ++column)
-        m_machineList->resizeColumnToContents(column);
 }
 
 int CTonalmancerView::currentPartPreset() const

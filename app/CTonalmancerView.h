@@ -31,6 +31,7 @@ class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
 class KeyboardPanel;
+class MachinePanel;
 class MathWindow;
 class MidiInputController;
 class PartExportCommands;
@@ -111,7 +112,13 @@ public:
     const part::PatternPresetList& patternPresets() const { return m_patternPresets; }
 
     QTreeWidget* settingsTree() const { return m_settingsTree; }
-    QTreeWidget* machineList() const { return m_machineList; }
+    /** The song's machines ("Show Bmx"). */
+    MachinePanel* machinePanel() const { return m_machinePanel; }
+    /**
+     * The machine "Create Buzz Patterns" writes into: the first selected machine of the machine
+     * view from the top; empty when none is selected.
+     */
+    QString selectedMachineName() const;
     QStackedWidget* sideStack() const { return m_sideStack; }
 
     /** A context menu by the name the command table gives it; nullptr for an unknown name. */
@@ -136,13 +143,6 @@ public:
 
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
-    /**
-     * Fills the machine view from the document's song, filtered as the settings say; the
-     * machines selected before stay selected.
-     */
-    void refreshMachines();
-    /** The first selected machine of the machine view, from the top; empty when none is. */
-    QString selectedMachineName() const;
     void refreshPresets();
 
 Q_SIGNALS:
@@ -199,7 +199,7 @@ private:
     QListWidget* m_patternPresetList = nullptr;
     QStackedWidget* m_sideStack = nullptr;
     QTreeWidget* m_settingsTree = nullptr;
-    QTreeWidget* m_machineList = nullptr;
+    MachinePanel* m_machinePanel = nullptr;
     std::map<std::string, QMenu*, std::less<>> m_menus;
 };
 

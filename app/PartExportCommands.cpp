@@ -156,15 +156,17 @@ void PartExportCommands::createBuzzPatterns()
     storeWriteOptions();
     m_session.setRenderOptions(m_writeOptions.render);
 
+    // One step of the song's history (Undo in the machine view takes the patterns out again).
+    // Patterns made before a failure stay in the song: it has changed either way.
     song::PartWriteResult result;
     {
         WaitCursor wait;
-        result = song::PartWriter::write(*song, machine, m_session.part(), m_writeOptions);
-    }
-    if (result.status != song::PartWriteStatus::NothingToDo) {
-        // Patterns made before a failure stay in the song: it has changed either way.
-        m_document.setModified(true);
-        m_view.refreshMachines();
+        m_document.edit(tr("Create Buzz Patterns"), [&](song::BuzzSong& target) {
+            result = song::PartWriter::write(target, machine, m_session.part(), m_writeOptions);
+            return result.status == song::PartWriteStatus::NothingToDo
+                       ? music::Result::failure("nothing written")
+                       : music::Result::success();
+        });
     }
     for (std::size_t i = 0; i < result.messages.size(); ++i) {
         const bool stopped =

@@ -6,6 +6,7 @@
 #include "app/CFindDialog.h"
 #include "app/CGenerateDialog.h"
 #include "app/CIntervalListDialog.h"
+#include "app/CMachineChooserDialog.h"
 #include "app/CMainFrame.h"
 #include "app/CMidiFileDialog.h"
 #include "app/CMidiSettingsDialog.h"
@@ -14,6 +15,7 @@
 #include "app/CScaleGroupDialog.h"
 #include "app/CSearchInfoWindow.h"
 #include "app/CTonalmancerApp.h"
+#include "app/CTonalmancerDoc.h"
 #include "app/CTonalmancerView.h"
 #include "app/CTreeCtrlX.h"
 #include "app/CTypeManagerDialog.h"
@@ -23,20 +25,28 @@
 #include "app/ChordSettingsDialog.h"
 #include "app/ForbidNotesDialog.h"
 #include "app/KeyboardPanel.h"
+#include "app/MachineInfoWindow.h"
+#include "app/MachineListModel.h"
+#include "app/MachinePanel.h"
+#include "app/MachineTreeView.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
 #include "app/PartListModel.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
+#include "app/PatternChartWindow.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternInfoWindow.h"
 #include "app/PatternTrackHeader.h"
 #include "app/RecipeListModel.h"
-#include "app/TransposeDialog.h"
 #include "app/TransportController.h"
+#include "app/TransposeDialog.h"
 #include "app/VoicingDialog.h"
 #include "midi/MidiInPortList.h"
 #include "midi/MidiPortList.h"
 #include "part/PartFile.h"
+#include "song/MachineDatabase.h"
+#include "song/PartWriter.h"
 
 #include <QApplication>
 #include <QDockWidget>
@@ -171,7 +181,8 @@ int main(int argc, char* argv[])
         {true, false, true, false, true, false, false, true, false, false, false, false}, QString(),
         QString());
     save(*chordCommands.searchInfo(), folder, QStringLiteral("search-info"));
-    // The default song in the machine view; a generator the database does not know is learnt.
+    // Messages are printed, never shown: a modal box would stop the run. The default song in the
+    // machine view; a generator the database does not know is learnt.
     app::MessageBoxes::setHandler(
         [](QWidget*, const QString& text, QMessageBox::Icon, QMessageBox::StandardButtons) {
             std::printf("message: %s\n", qPrintable(text));
@@ -179,10 +190,47 @@ int main(int argc, char* argv[])
         });
     if (frame.loadDefaultSong()) {
         view.showMachineView(true);
+        app::MachinePanel& machines = *view.machinePanel();
+        // The demo part written into the generator, so that its windows have patterns to show.
+        part::Part demo;
+        if (part::PartFile::load(tonalmancer.dataFolder().file(part::PartFile::kDefaultFileName),
+                                 demo)) {
+            tonalmancer.document()->edit(QStringLiteral("Create Buzz Patterns"),
+                                         [&demo](song::BuzzSong& song) {
+                                             song::PartWriteOptions options;
+                                             options.makeSequence = true;
+                                             song::PartWriter::write(song, 1, demo, options);
+                                             return music::Result::success();
+                                         });
+        }
+        machines.selectMachine(1);
         save(frame, folder, QStringLiteral("machine-view"));
+        save(*machines.showMachineInfo(), folder, QStringLiteral("machine-info"));
+        save(*machines.showPatternInfo(), folder, QStringLiteral("pattern-info"));
+        save(*machines.showChart(false), folder, QStringLiteral("notes-chart"));
+        for (QWidget* window : std::initializer_list<QWidget*>{
+                 machines.showMachineInfo(), machines.showPatternInfo(), machines.showChart(false)})
+            window->close();
+        QMenu* machineMenu = view.contextMenu("machineView");
+        machineMenu->popup(machines.view()->mapToGlobal(QPoint(40, 40)));
+        settle();
+        save(*machineMenu, folder, QStringLiteral("machine-view-menu"));
+        machineMenu->hide();
+        // Add Machine (F4): the synths of the database whose name holds "m".
+        song::MachineDatabase database;
+        if (database.load(tonalmancer.dataFolder().root())) {
+            std::vector<std::size_t> candidates;
+            for (std::size_t i = 0; i < database.size(); ++i) {
+                if (database.entry(i).type != 0)
+                    candidates.push_back(i);
+            }
+            app::CMachineChooserDialog chooser(QStringLiteral("Add Machine"), database.entries(),
+                                               candidates, &frame);
+            chooser.setKindFilter(app::MachineListModel::Generators);
+            save(chooser, folder, QStringLiteral("add-machine-dialog"));
+        }
         view.showMachineView(false);
     }
-    app::MessageBoxes::setHandler({});
 
     // The pattern editor on the demo part's first pattern, its first chord chosen.
     part::Part demo;
@@ -253,6 +301,9 @@ int main(int argc, char* argv[])
     app::CAboutDialog about(&frame);
     save(about, folder, QStringLiteral("about"));
 
+    // The song got the demo part: leave without saving it.
+    app::MessageBoxes::setHandler([](QWidget*, const QString&, QMessageBox::Icon,
+                                     QMessageBox::StandardButtons) { return QMessageBox::No; });
     frame.close();
     return 0;
 }

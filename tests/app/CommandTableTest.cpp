@@ -258,11 +258,11 @@ TEST_F(MainWindowCommands, PlayingFlagsDecideWhichPlayButtonsShowPressed)
 
 TEST_F(MainWindowCommands, CommandsOfTheComingPartEditorAreShownButDisabled)
 {
-    for (const char* id : {"machines.add"})
+    for (const char* id : {"part.addPatternToPresets"})
         EXPECT_FALSE(frame().action(id)->isEnabled()) << id;
-    for (const char* id :
-         {"file.open", "chords.manager", "chords.findChord", "help.about", "part.new",
-          "part.createMidiFile", "part.createBuzzPatterns", "part.play"})
+    for (const char* id : {"file.open", "chords.manager", "chords.findChord", "help.about",
+                           "part.new", "part.createMidiFile", "part.createBuzzPatterns",
+                           "part.play", "machines.add", "view.machineInfo", "view.patternInfo"})
         EXPECT_TRUE(frame().action(id)->isEnabled()) << id;
 }
 

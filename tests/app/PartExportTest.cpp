@@ -7,6 +7,8 @@
 #include "app/CMidiSettingsDialog.h"
 #include "app/CPartWriteDialog.h"
 #include "app/CTempoBar.h"
+#include "app/MachineListModel.h"
+#include "app/MachinePanel.h"
 #include "app/NoteRuleBox.h"
 #include "app/PartExportCommands.h"
 #include "app/PartListModel.h"
@@ -323,15 +325,16 @@ protected:
     }
     void selectMachine(const QString& name)
     {
-        QTreeWidget* machines = view().machineList();
-        machines->clearSelection();
-        for (QTreeWidgetItem* item : machines->findItems(name, Qt::MatchExactly))
-            item->setSelected(true);
+        app::MachinePanel& machines = *view().machinePanel();
+        machines.selectNames(name.isEmpty() ? std::vector<std::string>{}
+                                            : std::vector<std::string>{name.toStdString()});
     }
     QString patternCount(const QString& machine)
     {
-        const auto items = view().machineList()->findItems(machine, Qt::MatchExactly);
-        return items.isEmpty() ? QString() : items.constFirst()->text(2);
+        const app::MachineListModel& model = *view().machinePanel()->model();
+        const int row = model.rowOfName(machine.toStdString());
+        return row < 0 ? QString()
+                       : model.index(row, app::MachineListModel::PatternsColumn).data().toString();
     }
 };
 
