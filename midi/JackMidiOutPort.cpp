@@ -57,9 +57,10 @@ struct JackMidiOutPort::Impl
     jack_client_t* client = nullptr;
     jack_port_t* port = nullptr;
     std::unique_ptr<JackWatch> watch; // the server and the target port
-    /** JACK's clock minus steady_clock, in microseconds (0 where both are CLOCK_MONOTONIC). */
+    /** JACK's clock minus steady_clock, in microseconds (JACK 2 keeps an origin of its own). */
     std::int64_t clockOffsetUs = 0;
     std::atomic<std::int64_t> periodNs{0};
+    std::int64_t sampleRate = 48000;   // frames per second, read at open
     std::atomic<bool> flushing{false}; // deliver everything at once, due or not
     std::atomic<bool> shutDown{false}; // our client was thrown out by the server
     bool active = false;               // the process callback runs
@@ -78,7 +79,14 @@ struct JackMidiOutPort::Impl
     {
         void* buffer = jack_port_get_buffer(port, frames);
         jack_midi_clear_buffer(buffer);
-        const jack_nframes_t cycleStart = jack_last_frame_time(client);
+        // The cycle's first frame and its time on JACK's clock. Within the cycle a due time is
+        // counted in frames at the nominal rate: after an overrun JACK's period estimate is off
+        // for a while, the cycle's start time is not.
+        jack_nframes_t cycleStart = 0;
+        jack_time_t cycleUs = 0;
+        jack_time_t nextUs = 0;
+        float periodUs = 0;
+        jack_get_cycle_times(client, &cycleStart, &cycleUs, &nextUs, &periodUs);
         const bool now = flushing.load(std::memory_order_acquire);
         while (const LongMessage* m = longMessages.front()) {
             if (jack_midi_event_write(buffer, 0, m->bytes.data(), m->size) != 0)
@@ -88,11 +96,11 @@ struct JackMidiOutPort::Impl
         jack_nframes_t offset = 0; // events of a cycle must not go back in time
         while (const TimedMessage* m = messages.front()) {
             if (!now && m->dueUs != 0) {
-                const jack_nframes_t due = jack_time_to_frames(client, m->dueUs);
-                const auto ahead = static_cast<std::int32_t>(due - cycleStart);
-                if (ahead >= static_cast<std::int32_t>(frames))
+                const auto fromCycleUs = static_cast<std::int64_t>(m->dueUs - cycleUs);
+                const std::int64_t ahead = (fromCycleUs * sampleRate + 500'000) / 1'000'000;
+                if (ahead >= static_cast<std::int64_t>(frames))
                     break; // due in a later cycle, and so is everything behind it
-                if (ahead > static_cast<std::int32_t>(offset))
+                if (ahead > static_cast<std::int64_t>(offset))
                     offset = static_cast<jack_nframes_t>(ahead);
             }
             if (jack_midi_event_write(buffer, offset, m->bytes.data(), m->size) != 0)
@@ -174,6 +182,7 @@ std::unique_ptr<JackMidiOutPort> JackMidiOutPort::open(const std::string& portNa
         std::strcmp(jack_port_type(target), JACK_DEFAULT_MIDI_TYPE) != 0) {
         return nullptr; // the destructor closes the client
     }
+    d.sampleRate = jack_get_sample_rate(d.client);
     Impl::onBufferSize(jack_get_buffer_size(d.client), &d);
     // Both clocks are read back to back a few times; the closest pair gives the offset.
     std::int64_t bestGap = INT64_MAX;

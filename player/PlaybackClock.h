@@ -1,13 +1,12 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 
 namespace player {
 
 /**
- * The playback thread's clock: steady_clock nanoseconds (CLOCK_MONOTONIC on Linux, the clock
- * that JACK's own time follows), sleeps to absolute deadlines, and real-time scheduling.
+ * The playback thread's clock: steady_clock nanoseconds (CLOCK_MONOTONIC on Linux; a JACK port
+ * converts them to JACK's time), sleeps to absolute deadlines, and real-time scheduling.
  */
 class PlaybackClock
 {
