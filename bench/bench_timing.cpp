@@ -1,13 +1,18 @@
 // Live playback timing at a JACK receiver, RtMidi and the native JACK output side by side in one
-// run. A private dummy JACK server (96 kHz, 32 frames a period) runs under a name of its own; the
-// player sends 2,000 steps of 5 ms to a JACK MIDI port, once through RtMidi and once through the
-// native output, and a receiving client stamps every note-on with its frame (the cycle's first
-// frame plus the event's offset). Each onset is compared with the ideal schedule
+// run. A private dummy JACK server (48 kHz, 64 frames a period: 1.33 ms) runs under a name of its
+// own; the player sends 2,000 steps of 5 ms to a JACK MIDI port, once through RtMidi and once
+// through the native output, and a receiving client stamps every note-on with its frame (the
+// cycle's first frame plus the event's offset). Each onset is compared with the ideal schedule
 // start + k x interval, the start being the median offset of the first 100 onsets, on two clocks:
-// - JACK's frame clock: the onset frame against k x 480 frames (counters *_frame_*);
-// - the monotonic clock: the onset frame converted by JACK to microseconds (*_clock_*).
+// - JACK's frame clock: the onset frame against k x 240 frames (counters *_frame_*);
+// - the monotonic clock: the cycle's start on JACK's clock plus the event's offset at the
+//   nominal rate (*_clock_*).
 // p99 is the 99th percentile of the absolute error, drift the mean error of the last 100 onsets.
-// The argument 1 runs a busy loop on every core meanwhile (started and stopped here).
+// *_server_xruns counts the cycles the server reported late meanwhile: the dummy backend drops
+// frames at each, so its frame clock falls behind the monotonic clock that the player follows.
+// The argument loaded:1 runs a busy loop on every core meanwhile (started and stopped here).
+// TM_BENCH_JACK_RATE and TM_BENCH_JACK_PERIOD choose another server setting (96000 and 32 make
+// 3,000 cycles a second, more than a loaded two-core machine keeps up with).
 // Target for the native output: p99 and drift at most 0.05 ms in every repetition, loaded or not.
 
 #include "midi/JackMidiOutPort.h"
@@ -29,6 +34,7 @@
 #include <chrono>
 #include <cmath>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <thread>
@@ -75,7 +81,9 @@ public:
         m_port = jack_port_register(m_client, "in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
         m_frames.assign(kSteps + 256, 0);
         m_times.assign(kSteps + 256, 0);
+        m_cycleTimes.assign(kSteps + 256, 0);
         jack_set_process_callback(m_client, &Receiver::process, this);
+        jack_set_xrun_callback(m_client, &Receiver::xrun, this);
         return m_port != nullptr && jack_activate(m_client) == 0;
     }
     ~Receiver()
@@ -83,7 +91,13 @@ public:
         if (m_client != nullptr)
             jack_client_close(m_client);
     }
-    void reset() { m_count = 0; }
+    void reset()
+    {
+        m_count = 0;
+        m_xruns = 0;
+    }
+    /** Cycles the server reported late since the last reset. */
+    int xruns() const { return m_xruns.load(); }
     int count() const { return m_count.load(); }
     jack_nframes_t sampleRate() const { return jack_get_sample_rate(m_client); }
     /** Onset frames and their times in microseconds (JACK's conversion), kSteps of each. */
@@ -92,13 +106,22 @@ public:
         return {m_frames.begin(), m_frames.begin() + kSteps};
     }
     std::vector<jack_time_t> times() const { return {m_times.begin(), m_times.begin() + kSteps}; }
+    std::vector<double> cycleTimes() const
+    {
+        return {m_cycleTimes.begin(), m_cycleTimes.begin() + kSteps};
+    }
 
 private:
     static int process(jack_nframes_t frames, void* arg)
     {
         auto* self = static_cast<Receiver*>(arg);
         void* buffer = jack_port_get_buffer(self->m_port, frames);
-        const jack_nframes_t cycleStart = jack_last_frame_time(self->m_client);
+        jack_nframes_t cycleStart = 0;
+        jack_time_t cycleUs = 0;
+        jack_time_t nextUs = 0;
+        float periodUs = 0;
+        jack_get_cycle_times(self->m_client, &cycleStart, &cycleUs, &nextUs, &periodUs);
+        const double rate = jack_get_sample_rate(self->m_client);
         const std::uint32_t events = jack_midi_get_event_count(buffer);
         for (std::uint32_t i = 0; i < events; ++i) {
             jack_midi_event_t event;
@@ -112,16 +135,26 @@ private:
                 self->m_frames[static_cast<std::size_t>(index)] = frame;
                 self->m_times[static_cast<std::size_t>(index)] =
                     jack_frames_to_time(self->m_client, frame);
+                self->m_cycleTimes[static_cast<std::size_t>(index)] =
+                    static_cast<double>(cycleUs) + event.time * 1e6 / rate;
                 self->m_count.store(index + 1);
             }
         }
         return 0;
     }
 
+    static int xrun(void* arg)
+    {
+        ++static_cast<Receiver*>(arg)->m_xruns;
+        return 0;
+    }
+
     jack_client_t* m_client = nullptr;
     jack_port_t* m_port = nullptr;
+    std::atomic<int> m_xruns{0};
     std::vector<jack_nframes_t> m_frames;
     std::vector<jack_time_t> m_times;
+    std::vector<double> m_cycleTimes;
     std::atomic<int> m_count{0};
 };
 
@@ -242,8 +275,11 @@ pid_t startServer(bool realtime)
     if (pid == 0) {
         std::freopen("/dev/null", "w", stdout);
         std::freopen("/dev/null", "w", stderr);
+        const char* rate = std::getenv("TM_BENCH_JACK_RATE");
+        const char* period = std::getenv("TM_BENCH_JACK_PERIOD");
         execlp("jackd", "jackd", realtime ? "--realtime" : "--no-realtime", "-n", kServer, "-d",
-               "dummy", "-r", "96000", "-p", "32", static_cast<char*>(nullptr));
+               "dummy", "-r", rate ? rate : "48000", "-p", period ? period : "64",
+               static_cast<char*>(nullptr));
         _exit(127);
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(700));
@@ -316,6 +352,20 @@ void BM_PlaybackOnsetsAtAJackReceiver(benchmark::State& state)
                     static_cast<double>(static_cast<std::int32_t>(frames[i] - frames[0])));
                 timeOnsets.push_back(static_cast<double>(times[i] - times[0]));
             }
+            if (const char* dump = std::getenv("TM_BENCH_TIMING_DUMP")) {
+                // One line per onset: frame and microsecond from the first (for a closer look).
+                const std::string file =
+                    std::string(dump) + "-" + path + (loaded ? "-loaded" : "") + ".txt";
+                if (std::FILE* out = std::fopen(file.c_str(), "w")) {
+                    for (int k = 0; k < kSteps; ++k)
+                        std::fprintf(out, "%d %.0f %.0f %.1f\n", k,
+                                     frameOnsets[static_cast<std::size_t>(k)],
+                                     timeOnsets[static_cast<std::size_t>(k)],
+                                     receiver.cycleTimes()[static_cast<std::size_t>(k)] -
+                                         receiver.cycleTimes()[0]);
+                    std::fclose(out);
+                }
+            }
             const Errors onFrames =
                 errorsAgainstSchedule(frameOnsets, intervalMs * rate / 1000.0, rate / 1000.0);
             const Errors onClock = errorsAgainstSchedule(timeOnsets, intervalMs * 1000.0, 1000.0);
@@ -325,6 +375,7 @@ void BM_PlaybackOnsetsAtAJackReceiver(benchmark::State& state)
             state.counters[path + "_clock_p99_ms"] = onClock.p99Ms;
             state.counters[path + "_clock_drift_ms"] = onClock.driftMs;
             state.counters[path + "_realtime_thread"] = realtime ? 1 : 0;
+            state.counters[path + "_server_xruns"] = receiver.xruns();
         }
     }
     kill(jackd, SIGTERM);
