@@ -3,7 +3,6 @@
 #include <array>
 #include <atomic>
 #include <cstddef>
-#include <new>
 #include <type_traits>
 
 namespace midi {
@@ -63,10 +62,14 @@ public:
 
 private:
     static constexpr std::size_t kMask = Capacity - 1;
-    // The two indices live on their own cache lines so the two threads do not share one.
-    alignas(64) std::atomic<std::size_t> m_head{0}; // written by the consumer
-    alignas(64) std::atomic<std::size_t> m_tail{0}; // written by the producer
-    alignas(64) std::array<T, Capacity> m_items{};
+    static constexpr std::size_t kCacheLine = 64;
+    // The two indices sit a cache line apart so the two threads do not share one (padding rather
+    // than alignas, which some compilers warn about).
+    std::atomic<std::size_t> m_head{0}; // written by the consumer
+    [[maybe_unused]] char m_headPadding[kCacheLine - sizeof(std::atomic<std::size_t>)]{};
+    std::atomic<std::size_t> m_tail{0}; // written by the producer
+    [[maybe_unused]] char m_tailPadding[kCacheLine - sizeof(std::atomic<std::size_t>)]{};
+    std::array<T, Capacity> m_items{};
 };
 
 } // namespace midi
