@@ -27,7 +27,7 @@ TEST(SpscRing, HoldsOneLessThanItsSizeAndKeepsTheOrderAcrossTheWrap)
             EXPECT_EQ(*ring.front(), expected++);
             ring.pop();
         }
-        // Refill what was taken out on odd rounds before draining completely.
+        // Odd rounds stop half-way above; the rest comes out in order all the same.
         while (!ring.empty()) {
             EXPECT_EQ(*ring.front(), expected++);
             ring.pop();
