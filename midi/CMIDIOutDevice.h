@@ -27,10 +27,12 @@ namespace midi {
  * Reset, and the program uses 0xFF 0x01 port as its port-selection message, which only the
  * driver of the original platform understood. Messages without a status byte are dropped too.
  *
- * open, close, send and sendLong are called from one thread at a time (the one that owns the
- * device, or a playback thread it hands sending over to); the worker is the only other thread.
- * Sending a short message to a port with a lookahead (native JACK) takes no lock and allocates
- * nothing, so a real-time playback thread may call it.
+ * open, close and sendLong are called from the thread that owns the device; send from it or
+ * from a playback thread it hands sending over to, and from both at once only for a port without
+ * a lookahead (the port lock orders them). Sending a short message to a port with a lookahead
+ * (native JACK) takes no lock and allocates nothing, so a real-time playback thread may call it;
+ * such a port takes short messages from one thread at a time. The worker is the only other
+ * thread.
  */
 class CMIDIOutDevice
 {

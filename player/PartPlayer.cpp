@@ -223,8 +223,18 @@ void PartPlayer::sendPacked(std::uint32_t packed)
     if (m_threaded) {
         emitNotices(); // what the thread played so far was handed over first
         Q_EMIT messageSent(packed);
-        if (m_threaded) {
+        if (m_threaded && m_device->lookaheadNs() > 0) {
+            // A scheduling port takes messages from one thread: the playback thread's.
             command({Command::Kind::Send, packed, {}, nullptr});
+            return;
+        }
+        if (m_threaded) {
+            // Any other port goes out at once; the device's port lock orders it with the notes.
+            try {
+                m_device->send(packed, midi::MidiOutPort::kNow);
+            } catch (const midi::CMIDIOutException&) {
+                // The playback thread meets the same failure with its next note and reports it.
+            }
             return;
         }
     } else {

@@ -36,10 +36,11 @@ namespace player {
  * signalled on the thread that owns the player (every few milliseconds, queued).
  *
  * Everything public is called on the owner's thread; every signal is emitted there. The first
- * step, a change sent at once (port, program) and the note-offs of a stop are sent and signalled
- * before the call returns. The device is open exactly while playing. A device that fails while
- * playing (a port or server that went away) ends the playback with the system's message through
- * `failed`.
+ * step, a port or program change made while playing and the note-offs of a stop are sent and
+ * signalled before the call returns (a scheduling port gets such a change from the playback
+ * thread, within a couple of milliseconds). The device is open exactly while playing. A device that
+ * fails while playing (a port or server that went away) ends the playback with the system's message
+ * through `failed`.
  */
 class PartPlayer : public QObject, private midi::StepSink
 {
