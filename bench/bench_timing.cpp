@@ -7,7 +7,8 @@
 // - JACK's frame clock: the onset frame against k x 240 frames (counters *_frame_*);
 // - the monotonic clock: the cycle's start on JACK's clock plus the event's offset at the
 //   nominal rate (*_clock_*).
-// p99 is the 99th percentile of the absolute error, drift the mean error of the last 100 onsets.
+// p99 is the 99th percentile of the absolute error, drift the mean error of the last 100 onsets;
+// each onset is matched to its nearest step, and steps the server dropped count as *_lost_onsets.
 // *_server_xruns counts the cycles the server reported late meanwhile: the dummy backend drops
 // frames at each, so its frame clock falls behind the monotonic clock that the player follows.
 // The argument loaded:1 runs a busy loop on every core meanwhile (started and stopped here).
@@ -216,27 +217,37 @@ struct Errors
     double p99Ms = 0;
     double maxMs = 0;
     double driftMs = 0;
+    double lost = 0; // steps without an onset (or, when negative, extra onsets)
 };
 
-/** Onsets (in `unit`s from the first) against k x `interval`, anchored on the first 100. */
+/**
+ * Onsets (in `unit`s from the first) against k x `interval`. Each onset belongs to the step
+ * nearest to it, so that an event the server dropped (JACK loses the MIDI of an overrun cycle)
+ * counts as lost rather than shifting every later onset by a step; the schedule is anchored on
+ * the median offset of the first 100 onsets.
+ */
 Errors errorsAgainstSchedule(const std::vector<double>& onsets, double interval, double unitsPerMs)
 {
+    std::vector<double> steps;
+    for (const double onset : onsets)
+        steps.push_back(std::round((onset - onsets.front()) / interval));
     std::vector<double> offsets;
-    for (int k = 0; k < 100; ++k)
-        offsets.push_back(onsets[static_cast<std::size_t>(k)] - k * interval);
+    for (std::size_t k = 0; k < 100; ++k)
+        offsets.push_back(onsets[k] - steps[k] * interval);
     std::nth_element(offsets.begin(), offsets.begin() + 50, offsets.end());
     const double start = offsets[50];
     std::vector<double> absolute;
     double tail = 0;
-    for (int k = 0; k < kSteps; ++k) {
-        const double error =
-            (onsets[static_cast<std::size_t>(k)] - start - k * interval) / unitsPerMs;
+    for (std::size_t k = 0; k < onsets.size(); ++k) {
+        const double error = (onsets[k] - start - steps[k] * interval) / unitsPerMs;
         absolute.push_back(std::abs(error));
-        if (k >= kSteps - 100)
+        if (k + 100 >= onsets.size())
             tail += error;
     }
     std::sort(absolute.begin(), absolute.end());
-    return {absolute[static_cast<std::size_t>(0.99 * (kSteps - 1))], absolute.back(), tail / 100};
+    const double lost = steps.back() + 1 - static_cast<double>(onsets.size());
+    return {absolute[static_cast<std::size_t>(0.99 * static_cast<double>(absolute.size() - 1))],
+            absolute.back(), tail / 100, lost};
 }
 
 /** Plays kSteps steps through `ports`; an empty text, or why it could not. */
@@ -376,6 +387,7 @@ void BM_PlaybackOnsetsAtAJackReceiver(benchmark::State& state)
             state.counters[path + "_clock_drift_ms"] = onClock.driftMs;
             state.counters[path + "_realtime_thread"] = realtime ? 1 : 0;
             state.counters[path + "_server_xruns"] = receiver.xruns();
+            state.counters[path + "_lost_onsets"] = onClock.lost;
         }
     }
     kill(jackd, SIGTERM);
