@@ -329,8 +329,9 @@ void PartPlayer::applyCommands()
 
 void PartPlayer::notify(const Notice& notice)
 {
-    if (!m_notices.push(notice))
-        m_noticesLost = true; // the window was stalled for seconds: it misses some redraws
+    // Full only when the owner's thread has not looked for seconds: it misses a few redraws and
+    // messageSent reports, never a note.
+    m_notices.push(notice);
 }
 
 bool PartPlayer::restartRound()

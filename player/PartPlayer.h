@@ -212,7 +212,6 @@ private:
     std::int64_t m_dueNs = 0; // when the messages being made are due
     midi::SpscRing<Command, 256> m_commands;
     midi::SpscRing<Notice, 4096> m_notices;
-    std::atomic<bool> m_noticesLost{false}; // the owner fell behind; display notices were dropped
     std::deque<std::unique_ptr<part::Part>> m_handedParts; // sent with Command::Part, oldest first
     std::atomic<std::size_t> m_partsTaken{0};              // of those, swapped in by the thread
     std::size_t m_partsFreed = 0;                          // of those, freed again
