@@ -35,8 +35,8 @@
 namespace {
 
 constexpr int kSteps = 1000;
-constexpr int kBpm = 3000;
-constexpr int kTpb = 4;                 // 5 ms steps
+constexpr int kBpm = 750; // within the tempo bar's range
+constexpr int kTpb = 16;  // 5 ms steps
 constexpr double kIntervalUs = 5000.0;
 
 /** Every row of every chord plays a note on track 0, so every step has a note-on. */
@@ -74,10 +74,9 @@ public:
         const int n = std::min<int>(m_count.load(), kSteps);
         std::vector<double> result;
         for (int i = 0; i < n; ++i) {
-            result.push_back(
-                std::chrono::duration<double, std::micro>(m_onsets[static_cast<std::size_t>(i)] -
-                                                          m_onsets[0])
-                    .count());
+            result.push_back(std::chrono::duration<double, std::micro>(
+                                 m_onsets[static_cast<std::size_t>(i)] - m_onsets[0])
+                                 .count());
         }
         return result;
     }
