@@ -5,8 +5,13 @@
 #include "app/CTempoBar.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/PartPresetSource.h"
 #include "app/PartSession.h"
+#include "app/PartSettingsPanel.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternListPanel.h"
+#include "app/PatternPresetSource.h"
+#include "app/PresetPanel.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
@@ -75,13 +80,14 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
 
     Regions regions;
     regions.chordDatabase = createChordDatabasePanel();
+    // The presets first: the part list and the pattern list add to them.
+    regions.partPresets = createPartPresetPanel();
+    regions.patternPresets = createPatternPresetPanel();
     regions.partList = createPartListPanel();
     regions.patternList = createPatternListPanel();
     regions.patternGrid = createPatternGridPanel();
     regions.partSettings = createPartSettingsPanel();
     regions.machines = createMachinePanel();
-    regions.partPresets = createPartPresetPanel();
-    regions.patternPresets = createPatternPresetPanel();
     layOut(regions);
     for (QWidget* partRegion : {regions.partList, regions.patternList, regions.patternGrid,
                                 regions.partSettings, regions.partPresets, regions.patternPresets})
@@ -139,10 +145,11 @@ QWidget* CTonalmancerView::createPartListPanel()
 
 QWidget* CTonalmancerView::createPatternListPanel()
 {
-    auto* list = named(new QListWidget(this), "patternList", tr("Patterns"));
-    list->setToolTip(tr("The patterns of the part."));
-    attachContextMenu("patternList", list);
-    return list;
+    m_patternList = new PatternListPanel(
+        *m_partSession, *m_patternPresetPanel, *m_patternPresetSource,
+        [this](std::string_view id) { return m_frame.action(id); }, this);
+    registerContextMenu("patternList", m_patternList->contextMenu());
+    return m_patternList;
 }
 
 QWidget* CTonalmancerView::createPatternGridPanel()
@@ -156,23 +163,10 @@ QWidget* CTonalmancerView::createPatternGridPanel()
 
 QWidget* CTonalmancerView::createPartSettingsPanel()
 {
-    m_settingsTree = named(new QTreeWidget(this), "settingsView", tr("Part settings"));
-    m_settingsTree->setHeaderLabels({tr("Setting"), tr("Value")});
-    m_settingsTree->setRootIsDecorated(false);
-    const part::Part defaults;
-    QStringList labels = {QStringLiteral("Pattern List"), QStringLiteral("Base Wave"),
-                          QStringLiteral("Base Octave")};
-    for (int track = 1; track <= 8; ++track)
-        labels << QStringLiteral("Track %1").arg(track);
-    labels << QStringLiteral("Def Octave") << QStringLiteral("Def Length");
-    for (const QString& label : labels) {
-        auto* item = new QTreeWidgetItem(m_settingsTree, {label});
-        if (label == QStringLiteral("Base Octave"))
-            item->setText(1, QString::number(defaults.baseOctave()));
-    }
-    m_settingsTree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-    attachContextMenu("settingsView", m_settingsTree);
-    return m_settingsTree;
+    m_partSettings = new PartSettingsPanel(
+        *m_partSession, [this](std::string_view id) { return m_frame.action(id); }, this);
+    registerContextMenu("settingsView", m_partSettings->contextMenu());
+    return m_partSettings;
 }
 
 QWidget* CTonalmancerView::createMachinePanel()
@@ -201,16 +195,34 @@ QWidget* CTonalmancerView::createMachinePanel()
 
 QWidget* CTonalmancerView::createPartPresetPanel()
 {
-    m_partPresetList = named(new QListWidget(this), "partPresets", tr("Part presets"));
-    attachContextMenu("partPresets", m_partPresetList);
-    return m_partPresetList;
+    auto source = std::make_unique<PartPresetSource>();
+    m_partPresetSource = source.get();
+    m_partPresetPanel = new PresetPanel(
+        std::move(source), *m_partSession,
+        [this](std::string_view id) { return m_frame.action(id); }, m_dataFolder, this);
+    registerContextMenu("partPresets", m_partPresetPanel->contextMenu());
+    return m_partPresetPanel;
 }
 
 QWidget* CTonalmancerView::createPatternPresetPanel()
 {
-    m_patternPresetList = named(new QListWidget(this), "patternPresets", tr("Pattern presets"));
-    attachContextMenu("patternPresets", m_patternPresetList);
-    return m_patternPresetList;
+    auto source = std::make_unique<PatternPresetSource>();
+    m_patternPresetSource = source.get();
+    m_patternPresetPanel = new PresetPanel(
+        std::move(source), *m_partSession,
+        [this](std::string_view id) { return m_frame.action(id); }, m_dataFolder, this);
+    registerContextMenu("patternPresets", m_patternPresetPanel->contextMenu());
+    return m_patternPresetPanel;
+}
+
+const part::PartPresetList& CTonalmancerView::partPresets() const
+{
+    return m_partPresetSource->list();
+}
+
+const part::PatternPresetList& CTonalmancerView::patternPresets() const
+{
+    return m_patternPresetSource->list();
 }
 
 void CTonalmancerView::layOut(const Regions& regions)
@@ -302,9 +314,8 @@ void CTonalmancerView::initialUpdate()
             midi::MidiSettings::read(m_dataFolder.file(midi::MidiSettings::kFileName), *m_ports);
     }
     m_chordDatabase->loadDefaults();
-    m_partPresets.load(m_dataFolder.file(part::PartPresetList::kDefaultFileName));
-    m_patternPresets.load(m_dataFolder.file(part::PatternPresetList::kDefaultFileName));
-    refreshPresets();
+    m_partPresetPanel->loadDefaultQuietly();
+    m_patternPresetPanel->loadDefaultQuietly();
     refreshMachines();
 }
 
@@ -352,16 +363,6 @@ void CTonalmancerView::refreshMachines()
     }
     for (int column = 0; column < 3; ++column)
         m_machineList->resizeColumnToContents(column);
-}
-
-void CTonalmancerView::refreshPresets()
-{
-    m_partPresetList->clear();
-    for (const part::PartPreset& preset : m_partPresets.presets())
-        m_partPresetList->addItem(QString::fromStdString(preset.name));
-    m_patternPresetList->clear();
-    for (int i = 0; i < m_patternPresets.count(); ++i)
-        m_patternPresetList->addItem(QString::fromStdString(m_patternPresets.preset(i).name()));
 }
 
 } // namespace app

@@ -26,7 +26,12 @@ namespace app {
 class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
+class PartPresetSource;
 class PartSession;
+class PartSettingsPanel;
+class PatternListPanel;
+class PatternPresetSource;
+class PresetPanel;
 class UndoRouter;
 class UndoTarget;
 
@@ -35,7 +40,7 @@ class UndoTarget;
  * window's commands to them. The chord database sits on the left, the part (its chords, patterns
  * and the pattern grid) in the middle, the part settings or the song's machines and the presets
  * on the right. Undo and Redo act on the region that has, or last had, the focus. The view owns
- * the MIDI settings and the presets until their panels take them over.
+ * the MIDI settings; the preset panels own their lists.
  */
 class CTonalmancerView : public CResizableFormView
 {
@@ -70,10 +75,14 @@ public:
     const Regions& regions() const { return m_regions; }
     const midi::MidiSettings& midiSettings() const { return m_midiSettings; }
     midi::MidiSettings& midiSettings() { return m_midiSettings; }
-    const part::PartPresetList& partPresets() const { return m_partPresets; }
-    const part::PatternPresetList& patternPresets() const { return m_patternPresets; }
+    const part::PartPresetList& partPresets() const;
+    const part::PatternPresetList& patternPresets() const;
+    /** The preset lists; their current preset is what "Replace Current Preset" replaces. */
+    PresetPanel* partPresetPanel() const { return m_partPresetPanel; }
+    PresetPanel* patternPresetPanel() const { return m_patternPresetPanel; }
+    PatternListPanel* patternList() const { return m_patternList; }
+    PartSettingsPanel* partSettings() const { return m_partSettings; }
 
-    QTreeWidget* settingsTree() const { return m_settingsTree; }
     QTreeWidget* machineList() const { return m_machineList; }
     QStackedWidget* sideStack() const { return m_sideStack; }
 
@@ -89,7 +98,6 @@ public:
     void showMachineView(bool machines);
     /** Fills the machine view from the document's song, filtered as the settings say. */
     void refreshMachines();
-    void refreshPresets();
 
 private:
     // One factory point per region: each returns the region's widget, ready to be laid out. The
@@ -115,18 +123,19 @@ private:
     std::shared_ptr<midi::MidiPortList> m_ports;
 
     midi::MidiSettings m_midiSettings;
-    part::PartPresetList m_partPresets;
-    part::PatternPresetList m_patternPresets;
     bool m_settingsWritten = false;
 
     Regions m_regions;
     ChordDatabasePanel* m_chordDatabase = nullptr;
     PartSession* m_partSession = nullptr;
     UndoRouter* m_undoRouter = nullptr;
-    QListWidget* m_partPresetList = nullptr;
-    QListWidget* m_patternPresetList = nullptr;
+    PresetPanel* m_partPresetPanel = nullptr;
+    PresetPanel* m_patternPresetPanel = nullptr;
+    PartPresetSource* m_partPresetSource = nullptr;       // owned by m_partPresetPanel
+    PatternPresetSource* m_patternPresetSource = nullptr; // owned by m_patternPresetPanel
+    PatternListPanel* m_patternList = nullptr;
+    PartSettingsPanel* m_partSettings = nullptr;
     QStackedWidget* m_sideStack = nullptr;
-    QTreeWidget* m_settingsTree = nullptr;
     QTreeWidget* m_machineList = nullptr;
     std::map<std::string, QMenu*, std::less<>> m_menus;
 };
