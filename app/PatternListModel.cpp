@@ -72,21 +72,16 @@ QVariant PatternListModel::data(const QModelIndex& index, int role) const
     const QString name = QString::fromStdString(row.name);
     switch (role) {
     case Qt::DisplayRole:
-        switch (index.column()) {
-        case NumberColumn:
-            return QStringLiteral("%1").arg(index.row(), 2, 10, QLatin1Char('0'));
-        case NameColumn:
-            return name;
-        default:
-            return row.chords;
-        }
+        return index.column() == NameColumn ? QVariant(name) : QVariant(row.chords);
     case Qt::EditRole:
         return index.column() == NameColumn ? QVariant(name) : QVariant();
     case Qt::ToolTipRole:
     case Qt::AccessibleDescriptionRole:
-        return tr("Pattern %1 \"%2\": %n chord(s) play it", nullptr, row.chords)
-                   .arg(index.row(), 2, 10, QLatin1Char('0'))
-                   .arg(name) +
+        // One arg() call: a count substituted first would itself be taken for a placeholder.
+        return (row.chords == 1
+                    ? tr("Pattern %1 \"%2\": 1 chord plays it").arg(number(index.row()), name)
+                    : tr("Pattern %1 \"%2\": %3 chords play it")
+                          .arg(number(index.row()), name, QString::number(row.chords))) +
                (row.current ? tr(" (current)") : QString());
     case Qt::FontRole:
         if (row.current) {
@@ -96,9 +91,9 @@ QVariant PatternListModel::data(const QModelIndex& index, int role) const
         }
         return {};
     case Qt::TextAlignmentRole:
-        return index.column() == NameColumn
-                   ? QVariant()
-                   : QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
+        return index.column() == ChordsColumn
+                   ? QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter)
+                   : QVariant();
     default:
         return {};
     }
@@ -120,20 +115,25 @@ bool PatternListModel::setData(const QModelIndex& index, const QVariant& value, 
                           });
 }
 
+QString PatternListModel::number(int row)
+{
+    return QStringLiteral("%1").arg(row, 2, 10, QLatin1Char('0'));
+}
+
 QVariant PatternListModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return {};
-    switch (section) {
-    case NumberColumn:
-        return tr("No.");
-    case NameColumn:
-        return tr("Name");
-    case ChordsColumn:
-        return tr("Chords");
-    default:
+    if (orientation == Qt::Vertical) {
+        if (section < 0 || section >= rowCount())
+            return {};
+        if (role == Qt::DisplayRole)
+            return number(section);
+        if (role == Qt::AccessibleTextRole)
+            return tr("Pattern %1").arg(number(section));
         return {};
     }
+    if (role != Qt::DisplayRole)
+        return {};
+    return section == NameColumn ? tr("Name") : tr("Chords");
 }
 
 Qt::ItemFlags PatternListModel::flags(const QModelIndex& index) const

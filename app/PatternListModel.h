@@ -10,10 +10,11 @@ namespace app {
 class PartSession;
 
 /**
- * The part's patterns as a table: number (from 00, as the part file counts them), name and how
- * many chords of the part play each. It follows the session and announces only the rows that
- * changed (rows inserted, removed or changed in place), so selection and scrolling survive
- * edits and undo. The current pattern's row is bold. Editing a name is one "Rename pattern" step.
+ * The part's patterns as a table: name and how many chords of the part play each, with the
+ * pattern's number (from 00, as the part file counts them) as the row header. It follows the
+ * session and announces only the rows that changed (rows inserted, removed or changed in place), so
+ * selection and scrolling survive edits and undo. The current pattern's row is bold. Editing a name
+ * is one "Rename pattern" step.
  */
 class PatternListModel : public QAbstractTableModel
 {
@@ -21,7 +22,6 @@ class PatternListModel : public QAbstractTableModel
 public:
     enum Column : int
     {
-        NumberColumn,
         NameColumn,
         ChordsColumn,
         ColumnCount,
@@ -40,6 +40,8 @@ public:
 
     /** True while the model announces a change of the part (views move their cursor then). */
     bool isSyncing() const { return m_syncing; }
+    /** A pattern's number as the list shows it: "00", "01"... */
+    static QString number(int row);
 
 private:
     struct Row

@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMenu>
 
 namespace app {
@@ -14,7 +15,7 @@ namespace app {
 PatternListPanel::PatternListPanel(PartSession& session, PresetPanel& presets,
                                    PatternPresetSource& presetList,
                                    const ActionFactory::ActionLookup& actions, QWidget* parent)
-    : QTreeView(parent), m_session(session), m_presets(presets), m_presetList(presetList)
+    : QTableView(parent), m_session(session), m_presets(presets), m_presetList(presetList)
 {
     setObjectName(QStringLiteral("patternList"));
     setAccessibleName(tr("Patterns"));
@@ -23,16 +24,16 @@ PatternListPanel::PatternListPanel(PartSession& session, PresetPanel& presets,
     m_model = new PatternListModel(session, this);
     m_model->setObjectName(QStringLiteral("patternListModel"));
     setModel(m_model);
-    setRootIsDecorated(false);
-    setUniformRowHeights(true);
-    setAllColumnsShowFocus(true);
+    setShowGrid(false);
+    setWordWrap(false);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
-    header()->setStretchLastSection(false);
-    header()->setSectionResizeMode(PatternListModel::NumberColumn, QHeaderView::ResizeToContents);
-    header()->setSectionResizeMode(PatternListModel::NameColumn, QHeaderView::Stretch);
-    header()->setSectionResizeMode(PatternListModel::ChordsColumn, QHeaderView::ResizeToContents);
+    horizontalHeader()->setSectionResizeMode(PatternListModel::NameColumn, QHeaderView::Stretch);
+    horizontalHeader()->setSectionResizeMode(PatternListModel::ChordsColumn,
+                                             QHeaderView::ResizeToContents);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
 
     m_menu = ActionFactory::buildContextMenu("patternList", this, actions);
     m_menu->setAccessibleName(tr("Pattern list commands"));
@@ -96,7 +97,7 @@ bool PatternListPanel::edit(const QModelIndex& index, EditTrigger trigger, QEven
 {
     const QModelIndex name =
         index.isValid() ? index.siblingAtColumn(PatternListModel::NameColumn) : index;
-    return QTreeView::edit(name, trigger, event);
+    return QTableView::edit(name, trigger, event);
 }
 
 void PatternListPanel::renameCurrent()
@@ -106,7 +107,7 @@ void PatternListPanel::renameCurrent()
         return;
     const QModelIndex name = m_model->index(row, PatternListModel::NameColumn);
     setCurrentIndex(name);
-    QTreeView::edit(name);
+    QTableView::edit(name);
 }
 
 bool PatternListPanel::addListToPresets()
@@ -118,6 +119,18 @@ bool PatternListPanel::addListToPresets()
     if (m_presetList.count() > before)
         m_presets.setCurrentPreset(before);
     return added;
+}
+
+bool PatternListPanel::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_F2 && key->modifiers() == Qt::NoModifier) {
+            event->accept();
+            return true;
+        }
+    }
+    return QTableView::event(event);
 }
 
 } // namespace app

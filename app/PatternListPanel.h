@@ -2,7 +2,7 @@
 
 #include "app/ActionFactory.h"
 
-#include <QTreeView>
+#include <QTableView>
 
 class QMenu;
 
@@ -21,7 +21,7 @@ class PresetPanel;
  * Replace Current Preset and Add List To Presets. The keys are the window's: they work
  * wherever the focus is. Chords follow the library's rules when patterns are removed.
  */
-class PatternListPanel : public QTreeView
+class PatternListPanel : public QTableView
 {
     Q_OBJECT
 public:
@@ -29,7 +29,7 @@ public:
     PatternListPanel(PartSession& session, PresetPanel& presets, PatternPresetSource& presetList,
                      const ActionFactory::ActionLookup& actions, QWidget* parent = nullptr);
 
-    using QTreeView::edit;
+    using QTableView::edit;
 
     PatternListModel* patternModel() const { return m_model; }
     QMenu* contextMenu() const { return m_menu; }
@@ -40,6 +40,8 @@ public:
     bool addListToPresets();
 
 protected:
+    /** F2 edits here, as in the chord database, instead of opening the type manager. */
+    bool event(QEvent* event) override;
     /** Any edit of a row edits its name, whichever column was clicked or had the cursor. */
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
 
