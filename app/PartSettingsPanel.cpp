@@ -5,6 +5,7 @@
 #include "app/PartSettingsModel.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMenu>
 
 namespace app {
@@ -60,6 +61,18 @@ void PartSettingsPanel::resetSettings()
     m_session.setBaseWave(fresh.baseWave());
     m_session.setDefaultOctave(fresh.defaultOctave());
     m_session.setDefaultLength(fresh.defaultLength());
+}
+
+bool PartSettingsPanel::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_F2 && key->modifiers() == Qt::NoModifier) {
+            event->accept();
+            return true;
+        }
+    }
+    return QTreeView::event(event);
 }
 
 } // namespace app

@@ -38,6 +38,8 @@ public:
     void resetSettings();
 
 protected:
+    /** F2 edits here, as in the chord database, instead of opening the type manager. */
+    bool event(QEvent* event) override;
     /** Any edit of a row edits its value, whichever column was clicked or had the cursor. */
     bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
 

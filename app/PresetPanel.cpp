@@ -297,4 +297,16 @@ void PresetPanel::loadDefaultQuietly()
     updateCommands();
 }
 
+bool PresetPanel::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_F2 && key->modifiers() == Qt::NoModifier) {
+            event->accept();
+            return true;
+        }
+    }
+    return QListView::event(event);
+}
+
 } // namespace app

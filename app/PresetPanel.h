@@ -86,6 +86,8 @@ Q_SIGNALS:
     void currentPresetChanged(int row);
 
 protected:
+    /** F2 edits here, as in the chord database, instead of opening the type manager. */
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
