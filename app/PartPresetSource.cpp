@@ -25,8 +25,11 @@ QString PartPresetSource::name(int index) const
 QString PartPresetSource::summary(int index) const
 {
     const part::Part& p = m_list.preset(index).part;
-    return tr("%n chord(s)", nullptr, p.count()) + QStringLiteral(", ") +
-           tr("%n pattern(s)", nullptr, p.patterns().count()) + QStringLiteral(", ") +
+    const int patterns = p.patterns().count();
+    return (p.count() == 1 ? tr("1 chord") : tr("%1 chords").arg(p.count())) +
+           QStringLiteral(", ") +
+           (patterns == 1 ? tr("1 pattern") : tr("%1 patterns").arg(patterns)) +
+           QStringLiteral(", ") +
            tr("%1 BPM, %2 TPB").arg(p.beatsPerMinute()).arg(p.ticksPerBeat());
 }
 

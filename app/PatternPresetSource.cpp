@@ -33,7 +33,8 @@ QString PatternPresetSource::name(int index) const
 
 QString PatternPresetSource::summary(int index) const
 {
-    return tr("%n cell(s) in use", nullptr, m_list.preset(index).usedCellCount());
+    const int cells = m_list.preset(index).usedCellCount();
+    return cells == 1 ? tr("1 cell in use") : tr("%1 cells in use").arg(cells);
 }
 
 music::Result PatternPresetSource::load(const std::filesystem::path& path)
