@@ -20,6 +20,8 @@
 #include "app/MessageBoxes.h"
 #include "app/PartSession.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternListPanel.h"
+#include "app/PresetPanel.h"
 #include "part/PartFile.h"
 
 #include <QApplication>
@@ -156,6 +158,16 @@ int main(int argc, char* argv[])
         auto* grid = qobject_cast<app::PatternGridPanel*>(view.regions().patternGrid);
         grid->moveCursorTo(2, 1);
         save(*grid, folder, QStringLiteral("pattern-editor"));
+        // The settings view and the presets beside the pattern list, with its context menu.
+        view.patternPresetPanel()->setCurrentPreset(1);
+        if (auto* side = view.findChild<QWidget*>(QStringLiteral("side")))
+            save(*side, folder, QStringLiteral("settings-and-presets"));
+        QMenu* patternMenu = view.contextMenu("patternList");
+        patternMenu->popup(view.patternList()->viewport()->mapToGlobal(QPoint(60, 40)));
+        settle();
+        save(*patternMenu, folder, QStringLiteral("pattern-list-menu"));
+        patternMenu->hide();
+        save(frame, folder, QStringLiteral("part-window"));
     }
 
     app::CAboutDialog about(&frame);
