@@ -1,5 +1,7 @@
 #include "app/AddPresetDialog.h"
 
+#include "part/PartPreset.h"
+
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -17,7 +19,8 @@ AddPresetDialog::AddPresetDialog(const QString& what, QWidget* parent) : QDialog
     auto* prompt = new QLabel(what, this);
     prompt->setObjectName(QStringLiteral("addPresetWhat"));
     prompt->setWordWrap(true);
-    m_name = new QLineEdit(QString::fromLatin1(kDefaultName), this);
+    prompt->setVisible(!what.isEmpty());
+    m_name = new QLineEdit(QString::fromLatin1(part::PartPreset::kDefaultName), this);
     m_name->setObjectName(QStringLiteral("addPresetName"));
     m_name->setAccessibleName(tr("Preset name"));
     m_name->selectAll();
@@ -29,6 +32,7 @@ AddPresetDialog::AddPresetDialog(const QString& what, QWidget* parent) : QDialog
     m_ok = buttons->button(QDialogButtonBox::Ok);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    // A preset without a name could not be told apart in the list.
     connect(m_name, &QLineEdit::textChanged, this,
             [this](const QString& text) { m_ok->setEnabled(!text.trimmed().isEmpty()); });
     auto* layout = new QVBoxLayout(this);

@@ -16,10 +16,9 @@ class AddPresetDialog : public QDialog
     Q_OBJECT
 public:
     static constexpr const char* kTitle = "Add Preset";
-    static constexpr const char* kDefaultName = "noname";
 
     /** `what` says what becomes the preset ("The current pattern"), shown above the name. */
-    explicit AddPresetDialog(const QString& what, QWidget* parent = nullptr);
+    explicit AddPresetDialog(const QString& what = {}, QWidget* parent = nullptr);
 
     QString name() const;
     QLineEdit* nameEdit() const { return m_name; }

@@ -12,6 +12,7 @@
 #include "app/FileFilters.h"
 #include "app/HelpRouter.h"
 #include "app/MessageBoxes.h"
+#include "app/PartSession.h"
 #include "app/WaitCursor.h"
 #include "song/FileErrorCode.h"
 #include "song/MachineScanner.h"
@@ -24,7 +25,6 @@
 #include <QMenuBar>
 #include <QSettings>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolBar>
 
 namespace app {
@@ -145,8 +145,8 @@ void CMainFrame::createMenus()
             entry.id == "file.saveAsDefault" || entry.id == "chords.manager" ||
             entry.id == "chords.continueSearch" || entry.id == "chords.generate" ||
             entry.id == "chords.save" || entry.id == "part.createMidiFile" ||
-            entry.id == "part.saveAsDefault" || entry.id == "machines.add" ||
-            entry.id == "help.topics")
+            entry.id == "part.saveAsDefault" || entry.id == "part.addPatternToPresets" ||
+            entry.id == "machines.add" || entry.id == "help.topics")
             menu->addSeparator();
     }
 }
@@ -175,7 +175,14 @@ void CMainFrame::setDocumentAndView(CTonalmancerDoc* document, CTonalmancerView*
     if (m_document != nullptr) {
         m_document->setUnknownMachineHandler(m_machineDialogs.get());
         connect(m_document, &CTonalmancerDoc::songChanged, this, &CMainFrame::updateTitle);
+        connect(m_document, &CTonalmancerDoc::modifiedChanged, this, &CMainFrame::updateTitle);
         connectDocumentCommands();
+    }
+    if (m_view != nullptr) {
+        connect(m_view->partSession(), &PartSession::modifiedChanged, this,
+                &CMainFrame::updateTitle);
+        connect(m_view->partSession(), &PartSession::filePathChanged, this,
+                &CMainFrame::updateTitle);
     }
     updateTitle();
 }
@@ -183,14 +190,22 @@ void CMainFrame::setDocumentAndView(CTonalmancerDoc* document, CTonalmancerView*
 void CMainFrame::connectDocumentCommands()
 {
     const QString filter = QString::fromLatin1(CTonalmancerDoc::kFileFilter);
-    connect(action("file.new"), &QAction::triggered, this, [this] { m_document->newSong(); });
+    connect(action("file.new"), &QAction::triggered, this, [this] {
+        if (maybeSaveSong())
+            m_document->newSong();
+    });
     connect(action("file.open"), &QAction::triggered, this, [this, filter] {
+        if (!maybeSaveSong())
+            return;
         const QString path =
             QFileDialog::getOpenFileName(this, tr("Open Buzz Song"), songFolder(), filter);
         if (!path.isEmpty())
             openSong(path);
     });
-    connect(action("file.update"), &QAction::triggered, this, [this] { reloadSong(); });
+    connect(action("file.update"), &QAction::triggered, this, [this] {
+        if (maybeSaveSong())
+            reloadSong();
+    });
     connect(action("file.save"), &QAction::triggered, this, [this] { saveSong(); });
     connect(action("file.saveAs"), &QAction::triggered, this, [this, filter] {
         const QString path =
@@ -210,7 +225,10 @@ void CMainFrame::connectDocumentCommands()
         if (!path.isEmpty())
             scanGearDirectory(path);
     });
-    connect(action("file.loadDefault"), &QAction::triggered, this, [this] { loadDefaultSong(); });
+    connect(action("file.loadDefault"), &QAction::triggered, this, [this] {
+        if (maybeSaveSong())
+            loadDefaultSong();
+    });
     connect(action("file.saveAsDefault"), &QAction::triggered, this,
             [this] { saveSongAsDefault(); });
 }
@@ -316,6 +334,18 @@ bool CMainFrame::scanGearDirectory(const QString& gearPath)
     return true;
 }
 
+bool CMainFrame::maybeSaveSong()
+{
+    if (m_document == nullptr || !m_document->isModified())
+        return true;
+    const QMessageBox::StandardButton answer = MessageBoxes::show(
+        this, tr("The song has been changed.\nDo you want to save it?"), QMessageBox::Question,
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+    if (answer == QMessageBox::Cancel)
+        return false;
+    return answer == QMessageBox::No || saveSong();
+}
+
 bool CMainFrame::saveSongAsDefault()
 {
     return reportSave(m_document->saveAsDefault());
@@ -337,7 +367,12 @@ void CMainFrame::updateCommandStates()
 void CMainFrame::updateTitle()
 {
     const QString name = m_document != nullptr ? m_document->title() : tr("Untitled");
-    setWindowTitle(name + QStringLiteral(" - Tonalmancer"));
+    // The song, then the part; each with "*" while it has unsaved changes.
+    const bool modified = m_document != nullptr && m_document->isModified();
+    const QString part =
+        m_view != nullptr ? QStringLiteral(" - ") + m_view->partTitle() : QString();
+    setWindowTitle(name + (modified ? QStringLiteral("*") : QString()) + part +
+                   QStringLiteral(" - Tonalmancer"));
     const bool hasSong = m_document != nullptr && m_document->hasSong();
     action("file.save")->setEnabled(hasSong);
     action("file.saveAs")->setEnabled(hasSong);
@@ -356,6 +391,10 @@ void CMainFrame::restoreWindowState()
 
 void CMainFrame::closeEvent(QCloseEvent* event)
 {
+    if (!maybeSaveSong() || (m_view != nullptr && !m_view->mayClose())) {
+        event->ignore();
+        return;
+    }
     QSettings settings;
     settings.setValue(QStringLiteral("mainFrame/geometry"), saveGeometry());
     settings.setValue(QStringLiteral("mainFrame/state"), saveState());

@@ -64,6 +64,11 @@ public:
     bool scanSingleFile(const QString& dllPath);
     /** Rebuilds the machine database from the tracker's gear folder. */
     bool scanGearDirectory(const QString& gearPath);
+    /**
+     * Before a changed song is left (new, open, reload, exit): asks whether to save it and does.
+     * False when the user cancels or the save fails; true when the song may go.
+     */
+    bool maybeSaveSong();
 
     /** The manual and the help requests of the windows. */
     HelpRouter& help() { return *m_help; }

@@ -68,6 +68,11 @@ bool CTonalmancerApp::start(const QStringList& arguments, bool show)
     auto* view = new CTonalmancerView(*m_frame, *m_document, m_dataFolder, m_ports);
     m_frame->setDocumentAndView(m_document.get(), view);
     view->initialUpdate();
+    if (!m_partEditorOpener) {
+        m_partEditorOpener = [view](CommandLine::FileKind kind, const QString& path) {
+            return view->openPartEditorFile(kind, path);
+        };
+    }
     openFromCommandLine(line);
 
     m_frame->restoreWindowState();

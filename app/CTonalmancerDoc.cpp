@@ -19,6 +19,14 @@ QString CTonalmancerDoc::title() const
     return m_path.isEmpty() ? tr("Untitled") : QFileInfo(m_path).fileName();
 }
 
+void CTonalmancerDoc::setModified(bool modified)
+{
+    if (modified == m_modified)
+        return;
+    m_modified = modified;
+    Q_EMIT modifiedChanged(modified);
+}
+
 QString CTonalmancerDoc::defaultSongPath() const
 {
     return QString::fromStdString(m_dataFolder.file(kDefaultSong).string());
@@ -47,6 +55,7 @@ void CTonalmancerDoc::newSong()
         m_song.reset();
     }
     m_path.clear();
+    setModified(false);
     Q_EMIT songChanged();
 }
 
@@ -58,6 +67,7 @@ music::Result CTonalmancerDoc::open(const QString& path)
         return result;
     m_song = std::move(loaded);
     m_path = path;
+    setModified(false);
     Q_EMIT songChanged();
     return result;
 }
@@ -87,6 +97,8 @@ music::Result CTonalmancerDoc::saveAs(const QString& path)
         WaitCursor wait;
         result = song::SongWriter::write(*m_song, path.toStdString());
     }
+    if (result)
+        setModified(false);
     if (result && path != m_path) {
         m_path = path;
         m_song->setPath(path.toStdString());
@@ -104,6 +116,7 @@ music::Result CTonalmancerDoc::loadDefault()
     loaded.setPath({});
     m_song = std::move(loaded);
     m_path.clear();
+    setModified(false);
     Q_EMIT songChanged();
     return result;
 }

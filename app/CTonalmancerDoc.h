@@ -39,6 +39,12 @@ public:
     const QString& path() const { return m_path; }
     /** "Untitled" or the file's name. */
     QString title() const;
+    /**
+     * Whether the song was changed since it was read or saved (patterns written into it). A new,
+     * opened, reloaded or saved song is unchanged; saving it as the default song is not saving.
+     */
+    bool isModified() const { return m_modified; }
+    void setModified(bool modified);
     const music::DataFolder& dataFolder() const { return m_dataFolder; }
 
     /**
@@ -67,6 +73,7 @@ public:
 
 Q_SIGNALS:
     void songChanged();
+    void modifiedChanged(bool modified);
 
 private:
     music::Result read(const QString& path, song::BuzzSong& target, bool askAboutMachines);
@@ -76,6 +83,7 @@ private:
     std::optional<song::BuzzSong> m_song;
     QString m_path;
     QStringList m_readWarnings;
+    bool m_modified = false;
 };
 
 } // namespace app

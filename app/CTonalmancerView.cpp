@@ -5,23 +5,32 @@
 #include "app/CTempoBar.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/ChordTransformCommands.h"
+#include "app/MathWindow.h"
+#include "app/MessageBoxes.h"
+#include "app/PartExportCommands.h"
+#include "app/PartFileCommands.h"
+#include "app/PartListPanel.h"
+#include "app/PartMidiDrag.h"
 #include "app/PartPresetSource.h"
 #include "app/PartSession.h"
 #include "app/PartSettingsPanel.h"
 #include "app/PatternGridPanel.h"
 #include "app/PatternListPanel.h"
 #include "app/PatternPresetSource.h"
+#include "app/PatternTrackCommands.h"
 #include "app/PresetPanel.h"
+#include "app/TransportController.h"
 #include "app/UndoRouter.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
 #include "midi/MidiPortList.h"
 #include "part/Part.h"
+#include "part/PatternRecipeList.h"
 
 #include <QAction>
 #include <QHeaderView>
 #include <QLabel>
-#include <QListWidget>
 #include <QMenu>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -29,6 +38,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -77,6 +87,8 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     setAccessibleName(tr("Tonalmancer workbench"));
     m_undoRouter = new UndoRouter(m_frame.action("edit.undo"), m_frame.action("edit.redo"), this);
     m_partSession = new PartSession(this);
+    m_partFiles = new PartFileCommands(*this, *m_partSession, m_dataFolder,
+                                       [this](std::string_view id) { return m_frame.action(id); });
 
     Regions regions;
     regions.chordDatabase = createChordDatabasePanel();
@@ -94,6 +106,15 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
         registerUndoTarget(partRegion, m_partSession);
     connectTempoBar();
     connectCommands();
+
+    m_transport = new TransportController(m_frame, *m_partSession, m_midiSettings, m_ports, this);
+    m_transport->addSpaceToggle(regions.partList);
+    m_transport->addSpaceToggle(regions.patternGrid);
+    m_partExports =
+        new PartExportCommands(*this, m_frame, m_document, *m_partSession, *m_transport, this);
+    m_midiDrag = std::make_unique<PartMidiDrag>();
+    m_partList->model()->setDragExtender(
+        [this](QMimeData& dragData) { addPartAsMidiFile(dragData); });
 }
 
 void CTonalmancerView::connectTempoBar()
@@ -137,10 +158,13 @@ QWidget* CTonalmancerView::createChordDatabasePanel()
 
 QWidget* CTonalmancerView::createPartListPanel()
 {
-    auto* list = named(new QListWidget(this), "partList", tr("Part chords"));
-    list->setToolTip(tr("Arrange the chords here and connect them with the patterns."));
-    attachContextMenu("partList", list);
-    return list;
+    m_partList = new PartListPanel(
+        *m_partSession, *m_chordDatabase, *m_partFiles,
+        [this](std::string_view id) { return m_frame.action(id); }, this);
+    registerContextMenu("partList", m_partList->contextMenu());
+    new ChordTransformCommands(*m_partList, *m_partSession,
+                               [this](std::string_view id) { return m_frame.action(id); });
+    return m_partList;
 }
 
 QWidget* CTonalmancerView::createPatternListPanel()
@@ -158,6 +182,12 @@ QWidget* CTonalmancerView::createPatternGridPanel()
         *m_partSession, [this](std::string_view id) { return m_frame.action(id); }, this);
     registerContextMenu("patternEditor", grid->contextMenu());
     registerContextMenu("trackHeader", grid->trackHeaderMenu());
+    new PatternTrackCommands(*grid);
+    m_mathWindow = new MathWindow(
+        *m_partSession, *grid, m_dataFolder.userFolder() / part::PatternRecipeList::kFileName,
+        [this](std::string_view id) { return m_frame.action(id); }, this);
+    connect(m_frame.action("view.mathWindow"), &QAction::triggered, m_mathWindow,
+            &MathWindow::showWindow);
     return grid;
 }
 
@@ -317,10 +347,30 @@ void CTonalmancerView::initialUpdate()
     m_partPresetPanel->loadDefaultQuietly();
     m_patternPresetPanel->loadDefaultQuietly();
     refreshMachines();
+    m_partFiles->loadAtStart();
+}
+
+bool CTonalmancerView::openPartEditorFile(CommandLine::FileKind kind, const QString& path)
+{
+    if (kind == CommandLine::FileKind::Part)
+        return m_partFiles->openAtStart(path);
+    MessageBoxes::error(this, tr("The part editor cannot open %1 yet.").arg(path));
+    return false;
+}
+
+QString CTonalmancerView::partTitle() const
+{
+    return m_partFiles->partTitle();
+}
+
+bool CTonalmancerView::mayClose()
+{
+    return m_partFiles->maySafelyDiscard();
 }
 
 void CTonalmancerView::shutdown()
 {
+    m_transport->stop(); // what playback changed in the settings is written too
     if (m_settingsWritten || !m_ports)
         return;
     m_settingsWritten = true;
@@ -340,8 +390,32 @@ void CTonalmancerView::showMachineView(bool machines)
     m_sideStack->setCurrentWidget(machines ? m_regions.machines : m_regions.partSettings);
 }
 
+QString CTonalmancerView::selectedMachineName() const
+{
+    for (int i = 0; i < m_machineList->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = m_machineList->topLevelItem(i);
+        if (item->isSelected() && !item->isHidden())
+            return item->text(0);
+    }
+    return {};
+}
+
+bool CTonalmancerView::addPartAsMidiFile(QMimeData& dragData)
+{
+    return m_midiDrag->addTo(dragData, m_partSession->part(), m_partExports->midiExportOptions(),
+                             m_partSession->filePath());
+}
+
+QString CTonalmancerView::lastDraggedMidiFile() const
+{
+    return m_midiDrag->lastFile();
+}
+
 void CTonalmancerView::refreshMachines()
 {
+    QStringList selected;
+    for (const QTreeWidgetItem* item : m_machineList->selectedItems())
+        selected << item->text(0);
     m_machineList->clear();
     const song::BuzzSong* song = m_document.song();
     if (song == nullptr)
@@ -360,9 +434,15 @@ void CTonalmancerView::refreshMachines()
                                             : QString::fromStdString(machine.dllName));
         item->setText(2, QString::number(song->patternCount(i)));
         item->setText(3, QString::number(machine.trackCount));
+        item->setSelected(selected.contains(item->text(0)));
     }
     for (int column = 0; column < 3; ++column)
         m_machineList->resizeColumnToContents(column);
+}
+
+int CTonalmancerView::currentPartPreset() const
+{
+    return m_partPresetPanel->currentPreset();
 }
 
 } // namespace app

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/CResizableFormView.h"
+#include "app/CommandLine.h"
 #include "midi/MidiSettings.h"
 #include "music/DataFolder.h"
 #include "part/PartPresetList.h"
@@ -11,8 +12,8 @@
 #include <string>
 #include <string_view>
 
-class QListWidget;
 class QMenu;
+class QMimeData;
 class QStackedWidget;
 class QTableWidget;
 class QTreeWidget;
@@ -26,12 +27,18 @@ namespace app {
 class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
+class MathWindow;
+class PartExportCommands;
+class PartFileCommands;
+class PartListPanel;
+class PartMidiDrag;
 class PartPresetSource;
 class PartSession;
 class PartSettingsPanel;
 class PatternListPanel;
 class PatternPresetSource;
 class PresetPanel;
+class TransportController;
 class UndoRouter;
 class UndoTarget;
 
@@ -64,14 +71,25 @@ public:
                      std::shared_ptr<midi::MidiPortList> ports, QWidget* parent = nullptr);
     ~CTonalmancerView() override;
 
-    /** Reads the settings file and loads the default chord database and presets. */
+    /** Reads the settings file and loads the default chord database, presets and part. */
     void initialUpdate();
+    /** Opens a part editor file named on the command line; false (and said why) when not. */
+    bool openPartEditorFile(CommandLine::FileKind kind, const QString& path);
     /** Writes the settings file; called once when the main window closes. */
     void shutdown();
 
     ChordDatabasePanel* chordDatabase() const { return m_chordDatabase; }
     /** The part being edited; every part panel edits it through this session. */
     PartSession* partSession() const { return m_partSession; }
+    PartListPanel* partList() const { return m_partList; }
+    /** The pattern generator window (View > Math Window). */
+    MathWindow* mathWindow() const { return m_mathWindow; }
+    /** The Part menu's files and presets. */
+    PartFileCommands* partFiles() const { return m_partFiles; }
+    /** The part's name for the window title, "*" marking unsaved changes. */
+    QString partTitle() const;
+    /** Asks about a changed part before the window closes; false keeps it open. */
+    bool mayClose();
     const Regions& regions() const { return m_regions; }
     const midi::MidiSettings& midiSettings() const { return m_midiSettings; }
     midi::MidiSettings& midiSettings() { return m_midiSettings; }
@@ -80,6 +98,8 @@ public:
     /** The preset lists; their current preset is what "Replace Current Preset" replaces. */
     PresetPanel* partPresetPanel() const { return m_partPresetPanel; }
     PresetPanel* patternPresetPanel() const { return m_patternPresetPanel; }
+    /** The part presets' current item (Replace Current Preset acts on it); -1 for none. */
+    int currentPartPreset() const;
     PatternListPanel* patternList() const { return m_patternList; }
     PartSettingsPanel* partSettings() const { return m_partSettings; }
 
@@ -93,11 +113,28 @@ public:
     /** Undo and Redo act on `target` while the focus is in `region`. */
     void registerUndoTarget(QWidget* region, UndoTarget* target);
     UndoRouter* undoRouter() const { return m_undoRouter; }
+    /** Play, stop and the MIDI settings dialog. */
+    TransportController* transport() const { return m_transport; }
+    /** "Create Midi File" and "Create Buzz Patterns". */
+    PartExportCommands* partExports() const { return m_partExports; }
+    /**
+     * Adds the part, written as a MIDI file as "Create Midi File" would write it now, to the data
+     * of a drag leaving the part list (a file URL for file managers and DAWs). False when it
+     * could not be written.
+     */
+    bool addPartAsMidiFile(QMimeData& dragData);
+    /** The file the last drag offered (tests). */
+    QString lastDraggedMidiFile() const;
 
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
-    /** Fills the machine view from the document's song, filtered as the settings say. */
+    /**
+     * Fills the machine view from the document's song, filtered as the settings say; the
+     * machines selected before stay selected.
+     */
     void refreshMachines();
+    /** The first selected machine of the machine view, from the top; empty when none is. */
+    QString selectedMachineName() const;
 
 private:
     // One factory point per region: each returns the region's widget, ready to be laid out. The
@@ -128,7 +165,13 @@ private:
     Regions m_regions;
     ChordDatabasePanel* m_chordDatabase = nullptr;
     PartSession* m_partSession = nullptr;
+    PartFileCommands* m_partFiles = nullptr;
+    PartListPanel* m_partList = nullptr;
+    MathWindow* m_mathWindow = nullptr;
     UndoRouter* m_undoRouter = nullptr;
+    TransportController* m_transport = nullptr;
+    PartExportCommands* m_partExports = nullptr;
+    std::unique_ptr<PartMidiDrag> m_midiDrag;
     PresetPanel* m_partPresetPanel = nullptr;
     PresetPanel* m_patternPresetPanel = nullptr;
     PartPresetSource* m_partPresetSource = nullptr;       // owned by m_partPresetPanel

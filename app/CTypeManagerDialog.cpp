@@ -86,7 +86,7 @@ CTypeManagerDialog::CTypeManagerDialog(music::ChordTypeList& types, music::Scale
     chordLayout->addWidget(button(tr("&Remove"), this, [this] { removeChordTypes(); }), 1, 2);
     chordLayout->addWidget(
         button(tr("&Defaults"), this,
-               [this] { loadChordTypes(fromStd(m_dataFolder.file(kChordTypeDefault).string())); }),
+               [this] { loadChordTypes(fromStd(m_dataFolder.file(music::ChordTypeList::kDefaultFileName).string())); }),
         1, 3);
     chordLayout->addWidget(button(tr("&Load..."), this,
                                   [this] {
@@ -116,7 +116,7 @@ CTypeManagerDialog::CTypeManagerDialog(music::ChordTypeList& types, music::Scale
     scaleLayout->addWidget(button(tr("Remo&ve"), this, [this] { removeScales(); }), 1, 2);
     scaleLayout->addWidget(
         button(tr("De&faults"), this,
-               [this] { loadScales(fromStd(m_dataFolder.file(kScaleDefault).string())); }),
+               [this] { loadScales(fromStd(m_dataFolder.file(music::ScaleList::kDefaultFileName).string())); }),
         1, 3);
     scaleLayout->addWidget(button(tr("L&oad..."), this,
                                   [this] {
@@ -152,9 +152,9 @@ void CTypeManagerDialog::buildMenus()
     m_chordMenu = ActionFactory::buildContextMenu("chordTypes", this, {});
     m_scaleMenu = ActionFactory::buildContextMenu("scaleTypes", this, {});
     const auto chordDefault = [this] {
-        return fromStd(m_dataFolder.file(kChordTypeDefault).string());
+        return fromStd(m_dataFolder.file(music::ChordTypeList::kDefaultFileName).string());
     };
-    const auto scaleDefault = [this] { return fromStd(m_dataFolder.file(kScaleDefault).string()); };
+    const auto scaleDefault = [this] { return fromStd(m_dataFolder.file(music::ScaleList::kDefaultFileName).string()); };
     ActionFactory::onTriggered(m_chordMenu, "types.removeChord", this,
                                [this] { removeChordTypes(); });
     ActionFactory::onTriggered(m_chordMenu, "types.renameChord", this, [this] {
@@ -267,10 +267,10 @@ void CTypeManagerDialog::loadDefaults()
     WaitCursor wait;
     // Each list keeps what it had when its default file cannot be read.
     music::ChordTypeList types;
-    if (report(types.load(m_dataFolder.file(kChordTypeDefault))))
+    if (report(types.load(m_dataFolder.file(music::ChordTypeList::kDefaultFileName))))
         m_types = std::move(types);
     music::ScaleList scales;
-    if (report(scales.load(m_dataFolder.file(kScaleDefault))))
+    if (report(scales.load(m_dataFolder.file(music::ScaleList::kDefaultFileName))))
         m_scales = std::move(scales);
     refreshChordTypes();
     refreshScales();
@@ -343,7 +343,7 @@ bool CTypeManagerDialog::addScale(const ScaleAsker& ask)
     m_scaleList->scrollToItem(m_scaleList->topLevelItem(last));
     if (m_keepScaleDefaultCurrent) {
         WaitCursor wait;
-        report(m_scales.save(m_dataFolder.file(kScaleDefault)));
+        report(m_scales.save(m_dataFolder.file(music::ScaleList::kDefaultFileName)));
     }
     return true;
 }

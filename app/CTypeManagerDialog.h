@@ -31,8 +31,6 @@ public:
 
     static constexpr const char* kChordTypeFilter = "List (*.ccl)|*.ccl|All Files (*.*)|*.*||";
     static constexpr const char* kScaleFilter = "List (*.scl)|*.scl|All Files (*.*)|*.*||";
-    static constexpr const char* kChordTypeDefault = "default.ccl";
-    static constexpr const char* kScaleDefault = "default.scl";
 
     CTypeManagerDialog(music::ChordTypeList& types, music::ScaleList& scales,
                        music::DataFolder dataFolder, QWidget* parent = nullptr);

@@ -1,4 +1,5 @@
 #include "app/ChordDatabaseCommands.h"
+#include "music/ChordCollection.h"
 
 #include "app/CFindDialog.h"
 #include "app/CGenerateDialog.h"
@@ -81,13 +82,13 @@ bool ChordDatabaseCommands::saveChordListTo(const QString& path)
 void ChordDatabaseCommands::loadDefaultChordList()
 {
     loadChordListFrom(QString::fromStdString(
-        m_panel.dataFolder().file(ChordDatabasePanel::kDefaultChordList).string()));
+        m_panel.dataFolder().file(music::ChordCollection::kDefaultFileName).string()));
 }
 
 void ChordDatabaseCommands::saveDefaultChordList()
 {
     if (saveChordListTo(QString::fromStdString(
-            m_panel.dataFolder().file(ChordDatabasePanel::kDefaultChordList).string())))
+            m_panel.dataFolder().file(music::ChordCollection::kDefaultFileName).string())))
         m_panel.setKeepDefaultCurrent(true);
 }
 

@@ -73,13 +73,13 @@ ChordDatabasePanel::~ChordDatabasePanel() = default;
 void ChordDatabasePanel::loadDefaults()
 {
     music::ChordTypeList types;
-    if (types.load(m_dataFolder.file(CTypeManagerDialog::kChordTypeDefault)))
+    if (types.load(m_dataFolder.file(music::ChordTypeList::kDefaultFileName)))
         m_types = std::move(types);
     music::ScaleList scales;
-    if (scales.load(m_dataFolder.file(CTypeManagerDialog::kScaleDefault)))
+    if (scales.load(m_dataFolder.file(music::ScaleList::kDefaultFileName)))
         m_scales = std::move(scales);
     music::ChordCollection collection;
-    if (collection.load(m_dataFolder.file(kDefaultChordList)))
+    if (collection.load(m_dataFolder.file(music::ChordCollection::kDefaultFileName)))
         m_collection = std::move(collection);
     refreshTree();
 }
@@ -218,7 +218,7 @@ void ChordDatabasePanel::writeDefaultIfKept()
     if (!m_keepDefaultCurrent)
         return;
     WaitCursor wait;
-    report(m_collection.save(m_dataFolder.file(kDefaultChordList)));
+    report(m_collection.save(m_dataFolder.file(music::ChordCollection::kDefaultFileName)));
 }
 
 } // namespace app

@@ -16,7 +16,7 @@ namespace {
 constexpr const char* kContextProperty = "tonalmancerHelpContext";
 
 // The manual's topics: 1 main window, 3 chord database, 4 generating, 5 editing the database,
-// 6 finding, 7 chord types and scales.
+// 6 finding, 7 chord types and scales, 11 the Math Window.
 struct ClassContext
 {
     const char* className;
@@ -29,7 +29,7 @@ constexpr ClassContext kClassContexts[] = {
     {"app::CNoteChoiceDialog", 5},   {"app::CFindDialog", 6},
     {"app::CSearchInfoWindow", 6},   {"app::CTypeManagerDialog", 7},
     {"app::CChordTypeDialog", 7},    {"app::CScaleDialog", 7},
-    {"app::CIntervalListDialog", 7},
+    {"app::CIntervalListDialog", 7}, {"app::MathWindow", 11},
 };
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "app/PartSession.h"
 
 #include "part/PartPreset.h"
+#include "part/PatternGenerator.h"
+#include "part/TrackTransforms.h"
 
 #include <algorithm>
 
@@ -174,26 +176,37 @@ void PartSession::undo()
 {
     if (!canUndo())
         return;
-    if (!isLiveLabel(undoText()))
+    const QString label = undoText();
+    if (!isLiveLabel(label))
         Q_EMIT aboutToEdit();
-    if (m_editor.undo())
+    if (m_editor.undo()) {
         afterChange(Everything);
+        Q_EMIT undone(label);
+    }
 }
 
 void PartSession::redo()
 {
     if (!canRedo())
         return;
-    if (!isLiveLabel(redoText()))
+    const QString label = redoText();
+    if (!isLiveLabel(label))
         Q_EMIT aboutToEdit();
-    if (m_editor.redo())
+    if (m_editor.redo()) {
         afterChange(Everything);
+        Q_EMIT redone(label);
+    }
 }
 
 bool PartSession::isLiveLabel(const QString& label) const
 {
-    return label == QLatin1String(kEditPattern) || label == QLatin1String(kPatternCut) ||
-           label == QLatin1String(kPatternPaste);
+    // Whole tracks and generated patterns are cell edits too.
+    for (const char* live : {kEditPattern, kPatternCut, kPatternPaste, part::kUndoMergeTracks,
+                             part::kUndoMoveTracks, part::kUndoGeneratePattern}) {
+        if (label == QLatin1String(live))
+            return true;
+    }
+    return false;
 }
 
 void PartSession::setCurrentChord(int index)

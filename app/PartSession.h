@@ -153,6 +153,9 @@ Q_SIGNALS:
     void editorSettingsChanged();
     void renderOptionsChanged();
     void playingPositionChanged(int chord, int row);
+    /** Undo took back (redo brought back) the step `label`; sent after `changed`. */
+    void undone(const QString& label);
+    void redone(const QString& label);
 
 private:
     /** Runs one of the editor's own commands, which record their undo point themselves. */

@@ -77,7 +77,7 @@ void PatternGridCommands::bindKeys()
 bool PatternGridCommands::editPattern(const char* label,
                                       const std::function<void(part::Pattern&)>& change)
 {
-    if (!m_panel.model()->hasPattern())
+    if (!m_panel.model()->isEditable())
         return false;
     return m_panel.session().edit(
         QString::fromLatin1(label), PartSession::Cells,
@@ -146,7 +146,7 @@ void PatternGridCommands::copy()
 void PatternGridCommands::cut()
 {
     const QRect rect = m_panel.selectedRect();
-    if (rect.isEmpty() || !m_panel.model()->hasPattern())
+    if (rect.isEmpty() || !m_panel.model()->isEditable())
         return;
     copy();
     editPattern(PartSession::kPatternCut,
@@ -155,7 +155,7 @@ void PatternGridCommands::cut()
 
 void PatternGridCommands::paste()
 {
-    if (!m_panel.model()->hasPattern())
+    if (!m_panel.model()->isEditable())
         return;
     const QMimeData* data = QGuiApplication::clipboard()->mimeData();
     QString error;

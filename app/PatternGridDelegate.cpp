@@ -25,6 +25,7 @@ const QColor kChance(230, 130, 20);
 const QColor kFixedNote(40, 150, 80);
 const QColor kOff(200, 60, 60);
 const QColor kPlaying(255, 196, 64);
+const QColor kPreview(150, 90, 210); // the Math Window's pattern, not applied yet
 
 QColor mixed(const QColor& a, const QColor& b, double amountOfB)
 {
@@ -112,6 +113,8 @@ void PatternGridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& o
         background = mixed(background, palette.color(QPalette::Highlight), 0.12);
     if (past)
         background = mixed(background, palette.color(QPalette::Mid), 0.55);
+    if (const int preview = index.data(Model::PreviewRole).toInt(); preview > 0)
+        background = mixed(background, kPreview, preview == 2 ? 0.38 : 0.14);
     if (playing)
         background = mixed(background, kPlaying, 0.75);
     if (selected)

@@ -9,8 +9,9 @@ namespace app {
  * arrow for a shift, chance notes with an orange "?", fixed notes as note name and octave ("t"
  * for the track's octave), off-events as "off". The first row of every beat is tinted, rows the
  * current chord does not play are greyed, a muted track's notes are faded, and the row being
- * played carries an amber band with a marker at its left. Edits a cell in a small line popup that
- * takes the cell's text ("3", "?2+", "C#4", "off").
+ * played carries an amber band with a marker at its left. A preview (the Math Window's pattern
+ * before it is applied) is tinted violet, more strongly where it differs from the part. Edits a
+ * cell in a small line popup that takes the cell's text ("3", "?2+", "C#4", "off").
  */
 class PatternGridDelegate : public QStyledItemDelegate
 {

@@ -56,6 +56,8 @@ QVariant PatternGridModel::data(const QModelIndex& index, int role) const
             text += tr(", not played");
         if (row == m_playingRow)
             text += tr(", playing");
+        if (m_preview)
+            text += tr(", preview");
         return text;
     }
     case Qt::TextAlignmentRole:
@@ -74,6 +76,10 @@ QVariant PatternGridModel::data(const QModelIndex& index, int role) const
         return row == m_playingRow;
     case TrackOnRole:
         return m_tracksOn[static_cast<std::size_t>(track)];
+    case PreviewRole:
+        if (!m_preview)
+            return 0;
+        return c == m_partPattern.cell(track, row) ? 1 : 2;
     default:
         return {};
     }
@@ -81,7 +87,7 @@ QVariant PatternGridModel::data(const QModelIndex& index, int role) const
 
 bool PatternGridModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
-    if (role != Qt::EditRole || !m_hasPattern || !isCell(index))
+    if (role != Qt::EditRole || !isEditable() || !isCell(index))
         return false;
     const auto parsed = PatternCellText::parse(value.toString());
     if (!parsed)
@@ -156,7 +162,7 @@ Qt::ItemFlags PatternGridModel::flags(const QModelIndex& index) const
     if (!isCell(index))
         return Qt::NoItemFlags;
     Qt::ItemFlags result = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    if (m_hasPattern)
+    if (isEditable())
         result |= Qt::ItemIsEditable;
     return result;
 }
@@ -167,7 +173,8 @@ void PatternGridModel::sync()
     const part::Pattern* current = p.patterns().find(p.currentPattern());
     const bool editableChanged = m_hasPattern != (current != nullptr);
     m_hasPattern = current != nullptr;
-    announceCells(current != nullptr ? *current : part::Pattern());
+    m_partPattern = current != nullptr ? *current : part::Pattern();
+    announceCells(m_preview ? *m_preview : m_partPattern);
 
     const auto playsThisPattern = [&](int chord) {
         return m_hasPattern && chord >= 0 && chord < p.count() &&
@@ -201,6 +208,23 @@ void PatternGridModel::sync()
         announceRow(previous);
         announceRow(playing);
     }
+}
+
+void PatternGridModel::setPreview(const part::Pattern& preview)
+{
+    m_preview = preview;
+    sync();
+    // Which cells are new depends on the part's pattern too; the whole grid is cheap to redraw.
+    Q_EMIT dataChanged(index(0, 0), index(part::kRowCount - 1, part::kTrackCount - 1));
+}
+
+void PatternGridModel::clearPreview()
+{
+    if (!m_preview)
+        return;
+    m_preview.reset();
+    sync();
+    Q_EMIT dataChanged(index(0, 0), index(part::kRowCount - 1, part::kTrackCount - 1));
 }
 
 void PatternGridModel::announceCells(const part::Pattern& next)

@@ -5,6 +5,7 @@
 #include <QAbstractTableModel>
 
 #include <array>
+#include <optional>
 
 namespace app {
 
@@ -34,6 +35,7 @@ public:
         PlayingRole,                     // bool: the row being played
         TrackOnRole,                     // bool: the track's switch is on (cells and headers)
         TrackOctaveRole,                 // int: the track's octave setting (headers)
+        PreviewRole,                     // int: 0 no preview, 1 previewed, 2 previewed and new
     };
 
     explicit PatternGridModel(PartSession& session, QObject* parent = nullptr);
@@ -48,8 +50,18 @@ public:
 
     /** Whether the part's current pattern exists (a damaged file may point past the list). */
     bool hasPattern() const { return m_hasPattern; }
-    /** The pattern shown; empty when there is none. */
+    /** Whether cells may be edited: there is a pattern and no preview covers it. */
+    bool isEditable() const { return m_hasPattern && !m_preview; }
+    /** The pattern shown (the preview while there is one); empty when there is none. */
     const part::Pattern& pattern() const { return m_shown; }
+
+    /**
+     * Shows `preview` instead of the part's current pattern, read-only, until clearPreview();
+     * the part is not touched. Cells that differ from the part's are marked (PreviewRole 2).
+     */
+    void setPreview(const part::Pattern& preview);
+    void clearPreview();
+    bool hasPreview() const { return m_preview.has_value(); }
     const part::PatternCell& cell(int row, int track) const { return m_shown.cell(track, row); }
 
     /** Rows the current chord plays of this pattern; 64 when no chord of it is current. */
@@ -66,6 +78,8 @@ private:
 
     PartSession& m_session;
     part::Pattern m_shown;
+    part::Pattern m_partPattern; // the part's current pattern, beneath a preview
+    std::optional<part::Pattern> m_preview;
     bool m_hasPattern = false;
     int m_playedRows = part::kRowCount;
     int m_ticksPerBeat = 4;

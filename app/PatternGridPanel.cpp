@@ -148,6 +148,17 @@ QWidget* PatternGridPanel::createToolStrip()
     m_digitsPlayNotes->setChecked(settings.value(kDigitsKey, false).toBool());
 
     row->addStretch(1);
+    m_previewNote = new QLabel(tr("Preview of the Math Window: Apply or close it there"), strip);
+    m_previewNote->setObjectName(QStringLiteral("patternPreviewNote"));
+    m_previewNote->setAccessibleName(tr("Preview"));
+    m_previewNote->setToolTip(tr("The grid shows the pattern the Math Window would generate. "
+                                 "The part is unchanged until you apply it; the grid takes no "
+                                 "entries meanwhile."));
+    m_previewNote->setStyleSheet(
+        QStringLiteral("QLabel { background: rgb(150, 90, 210); color: white; padding: 1px 6px; "
+                       "border-radius: 3px; }"));
+    m_previewNote->hide();
+    row->addWidget(m_previewNote);
     m_cursorInfo = new QLabel(strip);
     m_cursorInfo->setObjectName(QStringLiteral("patternCursorInfo"));
     m_cursorInfo->setAccessibleName(tr("Cursor cell"));
@@ -241,6 +252,23 @@ int PatternGridPanel::cursorTrack() const
 int PatternGridPanel::menuTrack() const
 {
     return m_menuTrack >= 0 && m_menuTrack < part::kTrackCount ? m_menuTrack : cursorTrack();
+}
+
+void PatternGridPanel::showPreview(const part::Pattern& pattern)
+{
+    m_model->setPreview(pattern);
+    m_previewNote->show();
+}
+
+void PatternGridPanel::clearPreview()
+{
+    m_model->clearPreview();
+    m_previewNote->hide();
+}
+
+bool PatternGridPanel::isPreviewing() const
+{
+    return m_model->hasPreview();
 }
 
 void PatternGridPanel::updateCursorInfo()

@@ -10,6 +10,10 @@ class QLabel;
 class QMenu;
 class QSpinBox;
 
+namespace part {
+class Pattern;
+}
+
 namespace app {
 
 class PartSession;
@@ -67,6 +71,15 @@ public:
     /** The track the header menu acts on: the one right-clicked last, else the cursor's. */
     int menuTrack() const;
 
+    /**
+     * Shows `pattern` in the grid in place of the current pattern, tinted and read-only, with a
+     * note above the grid, until clearPreview(). The part is not touched.
+     */
+    void showPreview(const part::Pattern& pattern);
+    void clearPreview();
+    bool isPreviewing() const;
+    QLabel* previewNote() const { return m_previewNote; }
+
 private:
     QWidget* createToolStrip();
     void createHeaderMenu(const ActionFactory::ActionLookup& actions);
@@ -83,6 +96,7 @@ private:
     QSpinBox* m_octave = nullptr;
     QCheckBox* m_digitsPlayNotes = nullptr;
     QLabel* m_cursorInfo = nullptr;
+    QLabel* m_previewNote = nullptr;
     PatternGridCommands* m_commands = nullptr;
     int m_menuTrack = -1;
 };

@@ -197,8 +197,13 @@ bool PresetPanel::addCurrent(const NameAsker& ask)
                                .arg(m_source->title().toLower()),
                            this);
     const bool accepted = ask ? ask(dialog) : dialog.exec() == QDialog::Accepted;
-    const std::string name = LineText::toLine(dialog.name());
-    if (!accepted || name.empty())
+    return accepted && addCurrentNamed(dialog.name());
+}
+
+bool PresetPanel::addCurrentNamed(const QString& typed)
+{
+    const std::string name = LineText::toLine(typed);
+    if (name.empty())
         return false;
     const int before = m_source->count();
     const bool added = change([this, &name](const std::filesystem::path& file) {

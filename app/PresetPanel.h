@@ -74,6 +74,8 @@ public:
      * dialog and appends the current pattern or the part under it.
      */
     bool addCurrent(const NameAsker& ask = {});
+    /** Appends the current pattern or the part under `name` (kept to one line; not blank). */
+    bool addCurrentNamed(const QString& name);
     /** "Replace Current Preset": the current preset becomes the current pattern or the part. */
     bool replaceCurrentPreset();
     /**

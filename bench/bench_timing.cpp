@@ -5,7 +5,7 @@
 // first 100 onsets. The send side (the player's own clock) is reported beside it.
 // Targets: 99th percentile of the onset error at most 1 ms, drift after 2,000 steps at most 1 ms.
 
-#include "app/player/PartPlayer.h"
+#include "player/PartPlayer.h"
 #include "midi/MidiPortList.h"
 #include "midi/SystemMidiPortList.h"
 #include "part/Part.h"

@@ -1,5 +1,7 @@
 #include "cli/Arguments.h"
 
+#include "music/Utf8Path.h"
+
 #include <algorithm>
 #include <charconv>
 
@@ -74,6 +76,22 @@ std::string Arguments::required(const std::string& name) const
     if (!v)
         throw UsageError("option --" + name + " is required");
     return *v;
+}
+
+std::optional<std::filesystem::path> Arguments::path(const std::string& name) const
+{
+    const auto v = value(name);
+    return v ? std::optional(music::pathFromUtf8(*v)) : std::nullopt;
+}
+
+std::filesystem::path Arguments::requiredPath(const std::string& name) const
+{
+    return music::pathFromUtf8(required(name));
+}
+
+std::filesystem::path Arguments::positionalPath(std::size_t index) const
+{
+    return music::pathFromUtf8(m_positionals.at(index));
 }
 
 std::int64_t Arguments::integer(const std::string& name, std::int64_t min, std::int64_t max,

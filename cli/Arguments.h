@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -49,6 +50,16 @@ public:
     std::vector<std::string> values(const std::string& name) const;
     /** The value of an option that must be there; throws UsageError when it is missing. */
     std::string required(const std::string& name) const;
+
+    // File names: the text of an argument names a file through music::pathFromUtf8, never by
+    // converting a std::string to a path, which on Windows would misread non-ASCII names.
+
+    /** The file named by an option given once; nothing when absent. */
+    std::optional<std::filesystem::path> path(const std::string& name) const;
+    /** The file named by an option that must be there; throws UsageError when it is missing. */
+    std::filesystem::path requiredPath(const std::string& name) const;
+    /** The file named by positional argument `index`, which must exist. */
+    std::filesystem::path positionalPath(std::size_t index) const;
 
     /** An integer option within [min, max]; `fallback` when absent; throws UsageError. */
     std::int64_t integer(const std::string& name, std::int64_t min, std::int64_t max,

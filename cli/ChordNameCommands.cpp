@@ -2,9 +2,7 @@
 // the list of MIDI input devices. The tab-separated output form is fixed; scripts rely on it.
 
 #include "cli/Command.h"
-#include "midi/ChordSettler.h"
-#include "midi/HeldNotes.h"
-#include "midi/MidiInPortList.h"
+#include "cli/LiveMidi.h"
 #include "music/ChordNamer.h"
 #include "music/ChordTypeList.h"
 #include "music/ScaleList.h"
@@ -13,11 +11,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <atomic>
-#include <condition_variable>
-#include <csignal>
-#include <deque>
-#include <mutex>
 #include <optional>
 #include <ostream>
 #include <sstream>
@@ -28,13 +21,6 @@ namespace {
 
 /** The candidates printed without --all. */
 constexpr std::size_t kShown = 5;
-
-std::atomic<bool> g_interrupted{false};
-
-extern "C" void onListenInterrupt(int)
-{
-    g_interrupted = true;
-}
 
 std::vector<std::string> splitCommas(const std::string& text, const char* what)
 {
@@ -72,9 +58,9 @@ std::vector<int> parseMidiNotes(const std::string& text)
 /** The user's chord types: --types FILE, else the data folder's; only a given file must load. */
 music::Result loadTypes(const Arguments& args, Context& context, music::ChordTypeList& types)
 {
-    if (const auto path = args.value("types"))
+    if (const auto path = args.path("types"))
         return types.load(*path);
-    if (!types.load(context.dataFolder().file("default.ccl")))
+    if (!types.load(context.dataFolder().file(music::ChordTypeList::kDefaultFileName)))
         types.clear(); // no list of one's own: the built-in types alone
     return music::Result::success();
 }
@@ -173,119 +159,6 @@ nlohmann::json candidatesJson(const std::vector<music::ChordCandidate>& candidat
     return list;
 }
 
-/** A device given as its exact name, or a part of exactly one name (ignoring case). */
-std::optional<std::string> findInput(const std::string& text, const std::vector<std::string>& names,
-                                     std::string& error)
-{
-    if (std::find(names.begin(), names.end(), text) != names.end())
-        return text;
-    const std::string wanted = music::toLower(text);
-    std::optional<std::string> found;
-    for (const std::string& name : names) {
-        if (music::toLower(name).find(wanted) == std::string::npos)
-            continue;
-        if (found) {
-            error = "More than one MIDI input device matches \"" + text + "\".";
-            return std::nullopt;
-        }
-        found = name;
-    }
-    if (!found)
-        error =
-            "No MIDI input device matches \"" + text + "\" (tonalmancer-cli inputs lists them).";
-    return found;
-}
-
-/** What the input port's thread hands to the main thread. */
-struct Inbox
-{
-    std::mutex mutex;
-    std::condition_variable wake;
-    std::deque<midi::MidiInputEvent> events;
-    std::optional<std::string> ended;
-};
-
-int listen(const std::string& portText, const Arguments& args, Context& context,
-           const music::ChordNamer& namer, const music::NoteSpeller& speller)
-{
-    const std::shared_ptr<midi::MidiInPortList> inputs = midi::MidiInPortList::systemList();
-    std::string error;
-    const std::optional<std::string> name = findInput(portText, inputs->inputNames(), error);
-    if (!name)
-        return context.fail(error);
-
-    Inbox inbox;
-    midi::MidiInPort::Handlers handlers;
-    handlers.event = [&inbox](const midi::MidiInputEvent& event) {
-        {
-            const std::lock_guard<std::mutex> lock(inbox.mutex);
-            inbox.events.push_back(event);
-        }
-        inbox.wake.notify_one();
-    };
-    handlers.ended = [&inbox](const std::string& message) {
-        {
-            const std::lock_guard<std::mutex> lock(inbox.mutex);
-            inbox.ended = message;
-        }
-        inbox.wake.notify_one();
-    };
-    std::unique_ptr<midi::MidiInPort> port;
-    if (const music::Result opened = inputs->open(*name, std::move(handlers), port); !opened)
-        return context.fail(opened.message());
-    context.err() << "Naming the chords played on " << *name << "; Ctrl+C stops.\n";
-    context.err().flush();
-
-    g_interrupted = false;
-    const auto previousHandler = std::signal(SIGINT, onListenInterrupt);
-    midi::HeldNotes held;
-    midi::ChordSettler settler;
-    std::optional<std::string> ended;
-    while (!g_interrupted && !ended) {
-        std::deque<midi::MidiInputEvent> events;
-        {
-            // Wake for input, for a chord due to settle, and often enough to notice Ctrl+C.
-            std::unique_lock<std::mutex> lock(inbox.mutex);
-            auto until = midi::ChordSettler::Clock::now() + std::chrono::milliseconds(50);
-            if (const auto due = settler.due())
-                until = std::min(until, *due);
-            inbox.wake.wait_until(lock, until,
-                                  [&inbox] { return !inbox.events.empty() || inbox.ended; });
-            events.swap(inbox.events);
-            ended = inbox.ended;
-        }
-        const auto now = midi::ChordSettler::Clock::now();
-        for (const midi::MidiInputEvent& event : events) {
-            const midi::HeldNotes::Change change = held.apply(event);
-            if (change.notesChanged)
-                settler.update(held.notes(), change.keyPressed, now);
-        }
-        const std::optional<std::vector<int>> chord = settler.poll(now);
-        if (!chord)
-            continue;
-        const std::vector<music::ChordCandidate> candidates =
-            shown(namer.nameNotes(*chord, speller), args);
-        if (args.has("json")) {
-            context.out() << nlohmann::json{{"notes", *chord},
-                                            {"candidates", candidatesJson(candidates, namer)}}
-                                 .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
-                          << '\n';
-        } else {
-            context.out() << candidates.front().name << " (" << candidates.front().description
-                          << ")";
-            for (std::size_t i = 1; i < candidates.size(); ++i)
-                context.out() << '\t' << candidates[i].name;
-            context.out() << '\n';
-        }
-        context.out().flush();
-    }
-    std::signal(SIGINT, previousHandler);
-    port.reset();
-    if (ended)
-        return context.fail(*ended);
-    return kExitSuccess;
-}
-
 int runNameChord(const Arguments& args, Context& context)
 {
     // Every mistake in the call is reported before anything is read or opened.
@@ -307,8 +180,25 @@ int runNameChord(const Arguments& args, Context& context)
         return context.fail(loaded.message());
     const music::ChordNamer namer(types);
 
-    if (const auto port = args.value("listen"))
-        return listen(*port, args, context, namer, speller);
+    if (const auto port = args.value("listen")) {
+        return listenForChords(*port, context, [&](const std::vector<int>& chord) {
+            const std::vector<music::ChordCandidate> candidates =
+                shown(namer.nameNotes(chord, speller), args);
+            if (args.has("json")) {
+                context.out() << nlohmann::json{{"notes", chord},
+                                                {"candidates", candidatesJson(candidates, namer)}}
+                                     .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+                              << '\n';
+            } else {
+                context.out() << candidates.front().name << " (" << candidates.front().description
+                              << ")";
+                for (std::size_t i = 1; i < candidates.size(); ++i)
+                    context.out() << '\t' << candidates[i].name;
+                context.out() << '\n';
+            }
+            context.out().flush();
+        });
+    }
 
     const std::vector<music::ChordCandidate> candidates = shown(
         set ? namer.name(*set, std::nullopt, speller) : namer.nameNotes(midiNotes, speller), args);
@@ -320,16 +210,6 @@ int runNameChord(const Arguments& args, Context& context)
     }
     for (const music::ChordCandidate& c : candidates)
         printTabbed(context.out(), c);
-    return kExitSuccess;
-}
-
-int runInputs(const Arguments&, Context& context)
-{
-    const std::vector<std::string> names = midi::MidiInPortList::systemList()->inputNames();
-    if (names.empty())
-        context.out() << "No MIDI input device available\n";
-    for (const std::string& name : names)
-        context.out() << name << '\n';
     return kExitSuccess;
 }
 
@@ -369,7 +249,7 @@ void registerChordNameCommands(std::vector<Command>& commands)
     });
     commands.push_back({"inputs",
                         "",
-                        "List the MIDI input devices by the names --listen takes",
+                        liveSummary("List the MIDI input devices by the names --listen takes"),
                         {},
                         0,
                         0,

@@ -2,6 +2,7 @@
 // machine DLL, and showing what a DLL describes. DLLs are read, never run.
 
 #include "cli/Command.h"
+#include "music/Utf8Path.h"
 #include "song/BuzzSong.h"
 #include "song/DataFolderMachineCatalog.h"
 #include "song/DllMachineReader.h"
@@ -56,7 +57,7 @@ int runLearnMachines(const Arguments& args, Context& context)
     LearnEverything handler;
     song::SongReader reader(catalog, &handler);
     song::BuzzSong songFile;
-    const music::Result result = reader.read(args.positionals().front(), songFile);
+    const music::Result result = reader.read(args.positionalPath(0), songFile);
     // Machines learned before a failure stay in machines.ini.
     for (const auto& [machine, dll] : handler.learned)
         context.out() << "learned\t" << dll << "\t(machine \"" << machine << "\")\n";
@@ -72,10 +73,11 @@ int runLearnMachines(const Arguments& args, Context& context)
 
 int runScanGear(const Arguments& args, Context& context)
 {
-    const fs::path gear = args.positionals().front();
+    const fs::path gear = args.positionalPath(0);
     std::error_code error;
     if (!fs::is_directory(gear, error))
-        return context.fail("unable to open file\n" + gear.string() + " is no directory");
+        return context.fail("unable to open file\n" + music::utf8FromPath(gear) +
+                            " is no directory");
     song::GearScanReport report;
     const music::Result result =
         MachineScanner::scanGearDirectory(context.dataFolder().root(), gear, report);
@@ -85,7 +87,7 @@ int runScanGear(const Arguments& args, Context& context)
         for (const std::string& name : report.added)
             context.out() << "added\t" << name << '\n';
         for (const fs::path& file : report.skipped)
-            context.out() << "skipped\t" << file.string() << '\n';
+            context.out() << "skipped\t" << music::utf8FromPath(file) << '\n';
     }
     context.out() << MachineScanner::kScanDoneMessage << '\n';
     return kExitSuccess;
@@ -93,13 +95,14 @@ int runScanGear(const Arguments& args, Context& context)
 
 int runScanDll(const Arguments& args, Context& context)
 {
-    const fs::path dll = args.positionals().front();
+    const fs::path dll = args.positionalPath(0);
     bool changed = false;
     const music::Result result =
         MachineScanner::scanSingleDll(context.dataFolder().root(), dll, changed);
     if (!result)
         return context.fail(result.message());
-    context.out() << (changed ? "added\t" : "already known\t") << dll.stem().string() << '\n';
+    context.out() << (changed ? "added\t" : "already known\t") << music::utf8FromPath(dll.stem())
+                  << '\n';
     return kExitSuccess;
 }
 
@@ -121,7 +124,7 @@ const char* typeName(int type)
 
 int runDllInfo(const Arguments& args, Context& context)
 {
-    const fs::path dll = args.positionals().front();
+    const fs::path dll = args.positionalPath(0);
     song::DllMachineInfo info;
     switch (song::DllMachineReader::readFile(dll, info)) {
     case song::DllMachineReader::Status::NotAnImage:
@@ -131,10 +134,10 @@ int runDllInfo(const Arguments& args, Context& context)
     case song::DllMachineReader::Status::Ok:
         break;
     }
-    const std::string folder = dll.parent_path().filename().string();
+    const std::string folder = music::utf8FromPath(dll.parent_path().filename());
     const std::uint8_t type = MachineScanner::typeFromFolderName(folder);
     const song::MachineDatabaseEntry entry =
-        MachineScanner::entryFromInfo(info, dll.stem().string(), type);
+        MachineScanner::entryFromInfo(info, music::utf8FromPath(dll.stem()), type);
 
     if (args.has("ini")) {
         context.out() << song::MachineDatabase::formatEntry(entry);

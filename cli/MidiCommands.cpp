@@ -23,8 +23,8 @@ std::pair<std::int64_t, std::int64_t> parsePair(const std::string& text, std::in
 
 int runMidi(const Arguments& args, Context& context)
 {
-    const std::string partPath = args.required("part");
-    const std::string output = args.required("output");
+    const std::filesystem::path partPath = args.requiredPath("part");
+    const std::filesystem::path output = args.requiredPath("output");
     // Parsed (and the random source seeded) before anything is read, so usage errors come first.
     const part::RenderOptions render = parsePartOptions(args);
 

@@ -9,6 +9,7 @@
 #include "music/IntervalList.h"
 #include "music/ScaleList.h"
 #include "music/ScaleSearch.h"
+#include "music/Utf8Path.h"
 
 #include <filesystem>
 #include <ostream>
@@ -56,7 +57,7 @@ int runIntervals(const Arguments& args, Context& context)
 std::filesystem::path fileOrDefault(const Arguments& args, Context& context, const char* fallback)
 {
     if (!args.positionals().empty())
-        return args.positionals().front();
+        return args.positionalPath(0);
     return context.dataFolder().file(fallback);
 }
 
@@ -87,7 +88,7 @@ int runScales(const Arguments& args, Context& context)
 
 int runGenerate(const Arguments& args, Context& context)
 {
-    const std::string output = args.required("output");
+    const std::filesystem::path output = args.requiredPath("output");
     std::vector<std::string> scaleNames = args.values("scale");
     if (args.has("default-scale-groups")) {
         if (!scaleNames.empty())
@@ -99,14 +100,14 @@ int runGenerate(const Arguments& args, Context& context)
         throw UsageError("--scale and --default-scale-groups need --scales FILE.scl");
 
     music::ChordTypeList types;
-    if (const music::Result result = types.load(args.required("types")); !result)
+    if (const music::Result result = types.load(args.requiredPath("types")); !result)
         return context.fail(result.message());
     music::ChordCollection collection;
     collection.generateList(types);
 
     if (const auto scalesPath = args.value("scales")) {
         music::ScaleList scales;
-        if (const music::Result result = scales.load(*scalesPath); !result)
+        if (const music::Result result = scales.load(music::pathFromUtf8(*scalesPath)); !result)
             return context.fail(result.message());
         for (const std::string& name : scaleNames) {
             if (scales.find(name) == nullptr)
@@ -128,7 +129,7 @@ int runGenerate(const Arguments& args, Context& context)
 music::Result loadDatabase(const Arguments& args, Context& context,
                            music::ChordCollection& collection)
 {
-    if (const auto path = args.value("db"))
+    if (const auto path = args.path("db"))
         return collection.load(*path);
     return collection.load(context.dataFolder().file(music::ChordCollection::kDefaultFileName));
 }

@@ -24,7 +24,7 @@ void printSelectionField(std::ostream& out, std::uint16_t index)
 int runPartInfo(const Arguments& args, Context& context)
 {
     part::Part p;
-    if (const music::Result result = part::PartFile::load(args.positionals()[0], p); !result)
+    if (const music::Result result = part::PartFile::load(args.positionalPath(0), p); !result)
         return context.fail(result.message());
 
     std::ostream& out = context.out();
@@ -65,7 +65,7 @@ int runRender(const Arguments& args, Context& context)
 {
     const part::RenderOptions options = parsePartOptions(args);
     part::Part p;
-    if (const music::Result result = part::PartFile::load(args.required("part"), p); !result)
+    if (const music::Result result = part::PartFile::load(args.requiredPath("part"), p); !result)
         return context.fail(result.message());
 
     std::ostream& out = context.out();
@@ -87,7 +87,7 @@ int runRender(const Arguments& args, Context& context)
 
 int runPresets(const Arguments& args, Context& context)
 {
-    const std::optional<std::string> bytes = music::readFileBytes(args.positionals()[0]);
+    const std::optional<std::string> bytes = music::readFileBytes(args.positionalPath(0));
     if (!bytes)
         return context.fail(part::PartPresetList::kOpenError);
 

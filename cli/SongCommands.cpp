@@ -119,7 +119,7 @@ void printSong(const song::BuzzSong& song, std::ostream& out)
 int runSongInfo(const Arguments& args, Context& context)
 {
     song::BuzzSong song;
-    if (!loadSong(args.positionals()[0], args, context, song))
+    if (!loadSong(args.positionalPath(0), args, context, song))
         return kExitFailure;
     if (args.has("json"))
         context.out() << songJson(song).dump(2, ' ', false,
@@ -133,9 +133,9 @@ int runSongInfo(const Arguments& args, Context& context)
 int runSongCopy(const Arguments& args, Context& context)
 {
     song::BuzzSong song;
-    if (!loadSong(args.positionals()[0], args, context, song))
+    if (!loadSong(args.positionalPath(0), args, context, song))
         return kExitFailure;
-    return saveSong(song, args.positionals()[1], context);
+    return saveSong(song, args.positionalPath(1), context);
 }
 
 /**
@@ -146,9 +146,9 @@ int editMachine(const Arguments& args, Context& context,
                 const std::function<int(song::BuzzSong&, std::size_t)>& edit)
 {
     const std::vector<std::string>& positionals = args.positionals();
-    const std::string output = args.required("output");
+    const std::filesystem::path output = args.requiredPath("output");
     song::BuzzSong song;
-    if (!loadSong(positionals[0], args, context, song))
+    if (!loadSong(args.positionalPath(0), args, context, song))
         return kExitFailure;
     const std::size_t machine = machineByName(song, positionals[1], context);
     if (machine == song::BuzzSong::kNameNotFound)

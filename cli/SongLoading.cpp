@@ -1,5 +1,6 @@
 #include "cli/SongLoading.h"
 
+#include "music/Utf8Path.h"
 #include "song/DataFolderMachineCatalog.h"
 #include "song/FileErrorCode.h"
 #include "song/SongReader.h"
@@ -32,7 +33,7 @@ public:
     {
         if (m_nextDll >= m_dlls.size())
             return std::nullopt;
-        return std::filesystem::path(m_dlls[m_nextDll++]);
+        return music::pathFromUtf8(m_dlls[m_nextDll++]);
     }
 
     void scanFailed(const music::Result& failure) override { m_err << failure.message() << '\n'; }
@@ -58,7 +59,8 @@ std::vector<OptionSpec> withSongReading(std::vector<OptionSpec> options)
     return options;
 }
 
-bool loadSong(const std::string& path, const Arguments& args, Context& context, song::BuzzSong& out)
+bool loadSong(const std::filesystem::path& path, const Arguments& args, Context& context,
+              song::BuzzSong& out)
 {
     song::DataFolderMachineCatalog catalog(context.dataFolder().root());
     CliUnknownMachineHandler handler(args, context.err());
@@ -74,7 +76,7 @@ bool loadSong(const std::string& path, const Arguments& args, Context& context, 
     return false;
 }
 
-int saveSong(const song::BuzzSong& song, const std::string& path, Context& context)
+int saveSong(const song::BuzzSong& song, const std::filesystem::path& path, Context& context)
 {
     const music::Result result = song::SongWriter::write(song, path);
     if (result)

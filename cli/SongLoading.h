@@ -3,6 +3,8 @@
 #include "cli/Command.h"
 #include "song/BuzzSong.h"
 
+#include <filesystem>
+
 #include <string>
 #include <vector>
 
@@ -24,10 +26,10 @@ std::vector<OptionSpec> withSongReading(std::vector<OptionSpec> options);
  * Prints the reader's warnings on stderr; on failure also the reader's message and "Error
  * loading file" with the code, and returns false.
  */
-bool loadSong(const std::string& path, const Arguments& args, Context& context,
+bool loadSong(const std::filesystem::path& path, const Arguments& args, Context& context,
               song::BuzzSong& out);
 
 /** Writes a song; on failure prints "Error saving file" with the code. Returns the exit code. */
-int saveSong(const song::BuzzSong& song, const std::string& path, Context& context);
+int saveSong(const song::BuzzSong& song, const std::filesystem::path& path, Context& context);
 
 } // namespace cli

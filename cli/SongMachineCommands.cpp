@@ -25,9 +25,9 @@ using Edit = std::function<int(song::BuzzSong&)>;
 /** Reads the song named by the first argument, applies `edit` and saves the song as -o OUT. */
 int editSong(const Arguments& args, Context& context, const Edit& edit)
 {
-    const std::string output = args.required("output");
+    const std::filesystem::path output = args.requiredPath("output");
     song::BuzzSong song;
-    if (!loadSong(args.positionals()[0], args, context, song))
+    if (!loadSong(args.positionalPath(0), args, context, song))
         return kExitFailure;
     if (const int result = edit(song); result != kExitSuccess)
         return result;
@@ -132,7 +132,7 @@ int runReplaceMachine(const Arguments& args, Context& context)
     if (!dryRun)
         return editSong(args, context, replace);
     song::BuzzSong song;
-    if (!loadSong(args.positionals()[0], args, context, song))
+    if (!loadSong(args.positionalPath(0), args, context, song))
         return kExitFailure;
     return replace(song);
 }

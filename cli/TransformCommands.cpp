@@ -71,7 +71,7 @@ int runTransform(const Arguments& args, Context& context)
                          "--limit, --sort and --remove-double");
     if (args.has("down") && !args.has("sort"))
         throw UsageError("--down goes with --sort");
-    const std::string output = args.required("output");
+    const std::filesystem::path output = args.requiredPath("output");
     std::optional<std::pair<int, int>> range;
     if (const std::optional<std::string> chords = args.value("chords"))
         range = parseRange(*chords, 0, part::Part::kMaxChords - 1, "--chords");
@@ -97,7 +97,7 @@ int runTransform(const Arguments& args, Context& context)
     }
 
     part::Part p;
-    if (const music::Result loaded = part::PartFile::load(args.required("part"), p); !loaded)
+    if (const music::Result loaded = part::PartFile::load(args.requiredPath("part"), p); !loaded)
         return context.fail(loaded.message());
     part::ChordSelection selection = part::allChords(p);
     if (range) {
@@ -137,7 +137,7 @@ int runTransform(const Arguments& args, Context& context)
 
 int runFillPattern(const Arguments& args, Context& context)
 {
-    const std::string output = args.required("output");
+    const std::filesystem::path output = args.requiredPath("output");
     const auto patternIndex =
         static_cast<int>(Arguments::parseInteger(args.required("pattern"), 0, 65534, "--pattern"));
     part::PatternRecipe recipe;
@@ -155,7 +155,7 @@ int runFillPattern(const Arguments& args, Context& context)
     const auto option = static_cast<part::IndexOption>(args.integer("index-option", 0, 2, 0));
 
     part::Part p;
-    if (const music::Result loaded = part::PartFile::load(args.required("part"), p); !loaded)
+    if (const music::Result loaded = part::PartFile::load(args.requiredPath("part"), p); !loaded)
         return context.fail(loaded.message());
     if (patternIndex >= p.patterns().count())
         return context.fail("no pattern " + std::to_string(patternIndex) + ": the part has " +

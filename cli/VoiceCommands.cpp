@@ -84,8 +84,8 @@ void printCosts(std::ostream& out, const part::VoicedRun& run)
 
 int runVoice(const Arguments& args, Context& context)
 {
-    const std::string partPath = args.required("part");
-    const std::string output = args.required("output");
+    const std::filesystem::path partPath = args.requiredPath("part");
+    const std::filesystem::path output = args.requiredPath("output");
     const part::VoicingOptions options = parseOptions(args);
     std::pair<int, int> chords = {part::kNoIndex, part::kNoIndex};
     if (const auto text = args.value("chords"))

@@ -28,16 +28,16 @@ song::PartWriteOptions writeOptions(const Arguments& args)
 
 int runWritePart(const Arguments& args, Context& context)
 {
-    const std::string output = args.required("output");
+    const std::filesystem::path output = args.requiredPath("output");
     const song::PartWriteOptions options = writeOptions(args);
     const std::string machineName = args.required("machine");
 
     part::Part part;
-    if (const music::Result result = part::PartFile::load(args.required("part"), part); !result)
+    if (const music::Result result = part::PartFile::load(args.requiredPath("part"), part); !result)
         return context.fail(result.message());
 
     song::BuzzSong song;
-    if (!loadSong(args.required("song"), args, context, song))
+    if (!loadSong(args.requiredPath("song"), args, context, song))
         return kExitFailure;
     const std::size_t machine = song.findMachine(machineName);
     if (machine == song::BuzzSong::kNameNotFound)

@@ -1,4 +1,5 @@
 #include "cli/Command.h"
+#include "cli/Console.h"
 
 #include <algorithm>
 #include <exception>
@@ -135,7 +136,7 @@ int runCli(const std::vector<std::string>& words)
         const std::size_t n = args.positionals().size();
         if (n < command->minPositionals || n > command->maxPositionals)
             throw UsageError("wrong number of arguments");
-        Context context(std::cout, std::cerr, args.value("data").value_or(""));
+        Context context(std::cout, std::cerr, args.path("data").value_or(""));
         return command->run(args, context);
     } catch (const UsageError& error) {
         std::cerr << "tonalmancer-cli " << command->name << ": " << error.what() << '\n';
@@ -152,5 +153,6 @@ int runCli(const std::vector<std::string>& words)
 int main(int argc, char** argv)
 {
     std::ios::sync_with_stdio(false);
-    return cli::runCli(std::vector<std::string>(argv + 1, argv + argc));
+    cli::useBinaryStandardStreams();
+    return cli::runCli(cli::commandLineWords(argc, argv));
 }

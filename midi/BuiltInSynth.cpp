@@ -2,6 +2,7 @@
 
 #include "midi/PeakLimiter.h"
 #include "music/SafeFileWriter.h"
+#include "music/Utf8Path.h"
 
 #include <fluidsynth.h>
 
@@ -187,7 +188,7 @@ std::filesystem::path BuiltInSynth::findSoundFont(const std::filesystem::path& d
     if (!dataFolder.empty() && fs::is_directory(dataFolder, error)) {
         std::vector<fs::path> found;
         for (const fs::directory_entry& entry : fs::directory_iterator(dataFolder, error)) {
-            std::string extension = entry.path().extension().string();
+            std::string extension = music::utf8FromPath(entry.path().extension());
             std::transform(extension.begin(), extension.end(), extension.begin(),
                            [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
             if (extension == ".sf2" && entry.is_regular_file(error))
@@ -234,7 +235,9 @@ std::unique_ptr<BuiltInSynth> BuiltInSynth::open(const std::filesystem::path& da
     fluid_settings_setnum(impl->settings, "synth.gain", kGain);
     impl->synth = new_fluid_synth(impl->settings);
     if (impl->synth == nullptr ||
-        fluid_synth_sfload(impl->synth, soundFont.string().c_str(), 1) == FLUID_FAILED) {
+        // FluidSynth takes file names as UTF-8 (on Windows since version 2.2).
+        fluid_synth_sfload(impl->synth, music::utf8FromPath(soundFont).c_str(), 1) ==
+            FLUID_FAILED) {
         return nullptr;
     }
 

@@ -2,6 +2,7 @@
 
 #include "midi/StepEngine.h"
 #include "midi/VariableLengthQuantity.h"
+#include "music/Utf8Path.h"
 
 #include <string>
 
@@ -127,7 +128,8 @@ music::Result MidiFileExporter::build(const part::Part& part, MidiFile& file,
 music::Result MidiFileExporter::write(const part::Part& part, const std::filesystem::path& path)
 {
     MidiFile file;
-    const std::string sequenceName = part.name().empty() ? path.stem().string() : part.name();
+    const std::string sequenceName =
+        part.name().empty() ? music::utf8FromPath(path.stem()) : part.name();
     const music::Result built = build(part, file, sequenceName);
     if (!built)
         return built;

@@ -115,6 +115,20 @@ void StepEngine::stop()
     m_playing = false;
 }
 
+void StepEngine::updatePart(const part::Part& part)
+{
+    m_part = part;
+    if (!m_playing)
+        return;
+    if (m_currentChord >= m_part.count()) {
+        stop();
+        return;
+    }
+    if (m_lastChord >= m_part.count())
+        m_lastChord = static_cast<std::uint16_t>(m_part.count() - 1);
+    m_chord = part::prepareChord(m_part.chord(m_currentChord), m_options.indexOption);
+}
+
 void StepEngine::renderCurrentRow()
 {
     const part::RowEvents events =

@@ -28,7 +28,8 @@ namespace midi {
  * A chord plays rows 0..length-1 of its pattern; chords of length 0 are passed over. When the
  * last chord has played its rows, the next `step()` stops every sounding note (velocity V - 1)
  * and ends the playback. The engine keeps its own copy of the part, so editing the part while
- * playing cannot upset it.
+ * playing cannot upset it; `updatePart` hands it a live edit (cells, track octaves), heard from
+ * the next step on.
  */
 class StepEngine
 {
@@ -39,7 +40,10 @@ public:
     /** The sink must outlive the engine. */
     explicit StepEngine(StepSink& sink);
 
-    /** The rendering options used from the next start on. */
+    /**
+     * The rendering options; while playing, track switches and the note limit apply from the
+     * next step on, the index option from the next chord on.
+     */
     void setRenderOptions(const part::RenderOptions& options) { m_options = options; }
     const part::RenderOptions& renderOptions() const { return m_options; }
 
@@ -82,6 +86,14 @@ public:
 
     /** Sends a note off (velocity V - 1) for every sounding track and ends the playback. */
     void stop();
+
+    /**
+     * Replaces the part being played, keeping the position: the next step renders from `part`.
+     * Meant for live edits, which leave the chords as they are; when `part` has fewer chords,
+     * the range is cut to them, and when the current chord is gone its notes stop and the
+     * playback ends. Sounding notes go on until their track's next event.
+     */
+    void updatePart(const part::Part& part);
 
     bool isPlaying() const { return m_playing; }
     /** The chord being played (an index into the part), and the range's last chord. */

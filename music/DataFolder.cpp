@@ -1,5 +1,7 @@
 #include "music/DataFolder.h"
 
+#include "music/Utf8Path.h"
+
 #include <cstdlib>
 #include <system_error>
 #include <vector>
@@ -35,11 +37,20 @@ void seedFrom(const fs::path& shipped, const fs::path& target)
     }
 }
 
+#ifdef _WIN32
+/** An environment variable that names a folder; read wide, since it may hold any character. */
+fs::path environmentPath(const wchar_t* name)
+{
+    const wchar_t* value = _wgetenv(name);
+    return value != nullptr && *value != L'\0' ? fs::path(value) : fs::path();
+}
+#else
 fs::path environmentPath(const char* name)
 {
     const char* value = std::getenv(name);
     return value != nullptr && *value != '\0' ? fs::path(value) : fs::path();
 }
+#endif
 
 } // namespace
 
@@ -50,7 +61,7 @@ Result DataFolder::resolve(const fs::path& executableDir, const fs::path& explic
     if (!explicitDir.empty()) {
         fs::create_directories(explicitDir, error);
         if (!fs::is_directory(explicitDir, error))
-            return Result::failure("Unable to use the data folder " + explicitDir.string());
+            return Result::failure("Unable to use the data folder " + utf8FromPath(explicitDir));
         out = DataFolder(explicitDir);
         return Result::success();
     }
@@ -64,7 +75,7 @@ Result DataFolder::resolve(const fs::path& executableDir, const fs::path& explic
         return Result::failure("Unable to find a folder for the program's data");
     fs::create_directories(perUser, error);
     if (!fs::is_directory(perUser, error))
-        return Result::failure("Unable to create the data folder " + perUser.string());
+        return Result::failure("Unable to create the data folder " + utf8FromPath(perUser));
 
     const std::vector<fs::path> shippedCandidates = {
         executableDir.parent_path() / "share" / "tonalmancer",
@@ -85,7 +96,8 @@ fs::path DataFolder::executableDirectory()
 {
 #ifdef _WIN32
     std::wstring buffer(32768, L'\0');
-    const DWORD length = GetModuleFileNameW(nullptr, buffer.data(), static_cast<DWORD>(buffer.size()));
+    const DWORD length =
+        GetModuleFileNameW(nullptr, buffer.data(), static_cast<DWORD>(buffer.size()));
     if (length == 0)
         return {};
     buffer.resize(length);
@@ -108,7 +120,7 @@ fs::path DataFolder::executableDirectory()
 fs::path DataFolder::perUserFolder()
 {
 #ifdef _WIN32
-    const fs::path appData = environmentPath("APPDATA");
+    const fs::path appData = environmentPath(L"APPDATA");
     return appData.empty() ? fs::path() : appData / "Tonalmancer";
 #elif defined(__APPLE__)
     const fs::path home = environmentPath("HOME");

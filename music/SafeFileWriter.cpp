@@ -1,12 +1,15 @@
 #include "music/SafeFileWriter.h"
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <string>
 #include <system_error>
 
 #ifdef _WIN32
+#include <fcntl.h>
 #include <io.h>
+#include <sys/stat.h>
 #else
 #include <sys/stat.h>
 #include <unistd.h>
@@ -57,7 +60,15 @@ bool SafeFileWriter::open()
         m_temporary = m_target;
         m_temporary += temporarySuffix();
 #ifdef _WIN32
-        m_file = _wfopen(m_temporary.c_str(), L"wbx");
+        // Windows' msvcrt.dll, the C runtime of mingw-w64 programs, refuses "x" in a mode (EINVAL;
+        // Wine's accepts it, so tests under Wine would not notice): _wopen creates exclusively.
+        const int fd = _wopen(m_temporary.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY,
+                              _S_IREAD | _S_IWRITE);
+        if (fd >= 0) {
+            m_file = _wfdopen(fd, L"wb");
+            if (m_file == nullptr)
+                _close(fd);
+        }
 #else
         m_file = std::fopen(m_temporary.c_str(), "wbx");
 #endif

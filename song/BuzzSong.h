@@ -1,5 +1,6 @@
 #pragma once
 
+#include "music/Utf8Path.h"
 #include "song/MachineParameterSet.h"
 #include "song/MachinePatterns.h"
 #include "song/MidiBinding.h"
@@ -96,7 +97,8 @@ public:
 
     const std::filesystem::path& path() const { return m_path; }
     void setPath(std::filesystem::path path) { m_path = std::move(path); }
-    std::string fileName() const { return m_path.filename().string(); }
+    /** The file name alone, as UTF-8. */
+    std::string fileName() const { return music::utf8FromPath(m_path.filename()); }
 
     // Queries.
     std::size_t machineCount() const { return m_machines.size(); }

@@ -3,6 +3,7 @@
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
 #include "music/TextLineReader.h"
+#include "music/Utf8Path.h"
 #include "song/DllMachineReader.h"
 
 #include <algorithm>
@@ -129,7 +130,7 @@ std::optional<fs::path> findSubfolder(const fs::path& dir, std::string_view name
     std::vector<fs::path> matches;
     for (fs::directory_iterator it(dir, error), end; !error && it != end; it.increment(error)) {
         if (it->is_directory(error) &&
-            music::equalsIgnoringCase(it->path().filename().string(), name))
+            music::equalsIgnoringCase(music::utf8FromPath(it->path().filename()), name))
             matches.push_back(it->path());
     }
     if (matches.empty())
@@ -148,12 +149,12 @@ std::vector<fs::path> listDlls(const std::optional<fs::path>& folder, std::size_
     for (fs::directory_iterator it(*folder, error), end; !error && it != end; it.increment(error)) {
         std::error_code typeError;
         if (it->is_regular_file(typeError) &&
-            music::equalsIgnoringCase(it->path().extension().string(), ".dll"))
+            music::equalsIgnoringCase(music::utf8FromPath(it->path().extension()), ".dll"))
             files.push_back(it->path());
     }
     std::sort(files.begin(), files.end(), [](const fs::path& a, const fs::path& b) {
-        const std::string la = music::toLower(a.filename().string());
-        const std::string lb = music::toLower(b.filename().string());
+        const std::string la = music::toLower(music::utf8FromPath(a.filename()));
+        const std::string lb = music::toLower(music::utf8FromPath(b.filename()));
         return la != lb ? la < lb : a.filename() < b.filename();
     });
     if (files.size() > limit)
@@ -223,7 +224,8 @@ music::Result MachineScanner::scanSingleDll(const fs::path& dataDir, const fs::p
                                             bool& databaseChanged)
 {
     databaseChanged = false;
-    const std::uint8_t type = typeFromFolderName(dllPath.parent_path().filename().string());
+    const std::uint8_t type =
+        typeFromFolderName(music::utf8FromPath(dllPath.parent_path().filename()));
     if (type == 0)
         return music::Result::failure(std::string(kParentFolderError));
 
@@ -236,7 +238,8 @@ music::Result MachineScanner::scanSingleDll(const fs::path& dataDir, const fs::p
     case DllMachineReader::Status::Ok:
         break;
     }
-    const MachineDatabaseEntry entry = entryFromInfo(info, dllPath.stem().string(), type);
+    const MachineDatabaseEntry entry =
+        entryFromInfo(info, music::utf8FromPath(dllPath.stem()), type);
     std::string lines = MachineDatabase::formatEntry(entry);
     // The name as the file will hold it once read back: trailing blanks dropped.
     const std::string newName = music::TextLineReader(lines).readLine();
@@ -297,7 +300,8 @@ music::Result MachineScanner::scanGearDirectory(const fs::path& dataDir, const f
                 report.skipped.push_back(file);
                 continue;
             }
-            const MachineDatabaseEntry entry = entryFromInfo(info, file.stem().string(), type);
+            const MachineDatabaseEntry entry =
+                entryFromInfo(info, music::utf8FromPath(file.stem()), type);
             lines += MachineDatabase::formatEntry(entry);
             report.added.push_back(entry.dllName);
             ++count;

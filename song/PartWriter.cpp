@@ -212,7 +212,7 @@ void Writer::writeChordRows(const part::PartChord& chord, const part::PreparedCh
     const part::Pattern* source = m_part.patterns().find(chord.pattern);
     if (source == nullptr)
         return;
-    const int rows = std::min<int>(chord.length, part::kRowCount);
+    const int rows = chord.rows();
     for (int r = 0; r < rows; ++r) {
         for (std::size_t i = 0; i < m_tracks.size(); ++i) {
             const int t = m_tracks[i];
@@ -345,7 +345,7 @@ PartWriteResult Writer::run()
 
     int totalRows = 0;
     for (const part::PartChord& chord : m_part.chords())
-        totalRows += chord.length;
+        totalRows += chord.rows();
     m_positionWidth = totalRows > PartWriter::kMaxByteRows ? 2 : 1;
     m_valueWidth = m_part.count() > PartWriter::kMaxChordsForByteValues ? 2 : 1;
 
@@ -367,7 +367,7 @@ PartWriteResult Writer::run()
         names.insert(name);
 
         const std::optional<std::size_t> pattern =
-            m_song.createPattern(m_machine, std::move(name), chord.length);
+            m_song.createPattern(m_machine, std::move(name), static_cast<std::uint16_t>(chord.rows()));
         if (!pattern)
             return fail(PartWriter::kCreatePatternFailed);
 
@@ -376,7 +376,7 @@ PartWriteResult Writer::run()
             addSequenceEvent(*sequence, static_cast<std::uint16_t>(position),
                              static_cast<std::uint16_t>(SongSequence::kFirstPatternValue + c));
         }
-        position += chord.length;
+        position += chord.rows();
         writeChordRows(chord, prepared, *pattern);
     }
 
@@ -436,7 +436,7 @@ std::vector<int> PartWriter::usedTracks(const part::Part& part, const part::Rend
                 const part::Pattern* pattern = part.patterns().find(c.pattern);
                 if (pattern == nullptr)
                     return false;
-                const int rows = std::min<int>(c.length, part::kRowCount);
+                const int rows = c.rows();
                 for (int r = 0; r < rows; ++r) {
                     const CellKind kind = pattern->cell(t, r).kind;
                     if (kind == CellKind::ChordNote || kind == CellKind::FixedNote ||

@@ -7,6 +7,9 @@
 #include "app/CGenerateDialog.h"
 #include "app/CIntervalListDialog.h"
 #include "app/CMainFrame.h"
+#include "app/CMidiFileDialog.h"
+#include "app/CMidiSettingsDialog.h"
+#include "app/CPartWriteDialog.h"
 #include "app/CScaleDialog.h"
 #include "app/CScaleGroupDialog.h"
 #include "app/CSearchInfoWindow.h"
@@ -17,18 +20,30 @@
 #include "app/ChordCollectionModel.h"
 #include "app/ChordDatabaseCommands.h"
 #include "app/ChordDatabasePanel.h"
+#include "app/ChordSettingsDialog.h"
+#include "app/ForbidNotesDialog.h"
+#include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
+#include "app/PartListModel.h"
+#include "app/PartListPanel.h"
 #include "app/PartSession.h"
 #include "app/PatternGridPanel.h"
 #include "app/PatternListPanel.h"
+#include "app/PatternTrackHeader.h"
 #include "app/PresetPanel.h"
+#include "app/RecipeListModel.h"
+#include "app/TransportController.h"
+#include "app/TransposeDialog.h"
+#include "midi/MidiPortList.h"
 #include "part/PartFile.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QListView>
 #include <QMenu>
 #include <QPalette>
 #include <QPixmapCache>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
@@ -111,6 +126,24 @@ int main(int argc, char* argv[])
     save(*treeMenu, folder, QStringLiteral("chord-tree-menu"));
     treeMenu->hide();
 
+    // The part list's menu over the default part, and its chord dialogs.
+    app::PartListPanel& partList = *view.partList();
+    partList.selectRows({1, 2});
+    QMenu* partMenu = view.contextMenu("partList");
+    partMenu->popup(partList.view()->mapToGlobal(QPoint(60, 60)));
+    settle();
+    save(*partMenu, folder, QStringLiteral("part-list-menu"));
+    partMenu->hide();
+    QStringList patterns;
+    for (int i = 0; i < view.partSession()->part().patterns().count(); ++i)
+        patterns << partList.model()->patternText(i);
+    app::ChordSettingsDialog chordSettings(patterns, &frame);
+    chordSettings.setChord(view.partSession()->part().chord(1));
+    save(chordSettings, folder, QStringLiteral("chord-settings-dialog"));
+    app::ForbidNotesDialog forbid(&frame);
+    forbid.setFlags({1, 0, 1, 1, 1, 1, 0, 1, 1, 1, 1, 1});
+    save(forbid, folder, QStringLiteral("forbid-notes-dialog"));
+
     app::CGenerateDialog generate(app::CGenerateDialog::Mode::List, chords.scales(), &frame);
     save(generate, folder, QStringLiteral("generate-dialog"));
     app::CFindDialog find(QStringLiteral("Find chord"),
@@ -168,7 +201,47 @@ int main(int argc, char* argv[])
         save(*patternMenu, folder, QStringLiteral("pattern-list-menu"));
         patternMenu->hide();
         save(frame, folder, QStringLiteral("part-window"));
+
+        // The track headers' menu, and the Math Window with its Euclidean arpeggio previewed.
+        QMenu* header = grid->trackHeaderMenu();
+        header->popup(grid->trackHeader()->mapToGlobal(QPoint(40, 10)));
+        settle();
+        save(*header, folder, QStringLiteral("track-header-menu"));
+        header->hide();
+        app::MathWindow& math = *view.mathWindow();
+        math.showWindow();
+        app::RecipeListModel& recipes = *math.recipeModel();
+        for (int row = 0; row < recipes.rowCount(); ++row) {
+            if (recipes.index(row).data() == QStringLiteral("Euclidean arpeggio"))
+                math.recipeList()->setCurrentIndex(recipes.index(row));
+        }
+        save(math, folder, QStringLiteral("math-window"));
+        save(*grid, folder, QStringLiteral("pattern-preview"));
+        math.hide();
+
+        // The transformation dialogs share one frame; Transpose shows it.
+        app::TransposeDialog transpose(demo, part::allChords(demo), &frame);
+        save(transpose, folder, QStringLiteral("transpose-dialog"));
     }
+
+    // Playing on the built-in synth (into a WAV file when TONALMANCER_SYNTH_WAV names one): the
+    // indicator shows, the grid follows the playing row. Then the dialogs of hearing and export.
+    if (!midi::MidiPortList::systemList()->deviceNames().empty()) {
+        view.midiSettings().setDeviceNumber(0);
+        frame.action("part.play")->trigger();
+        settle(1500);
+        save(frame, folder, QStringLiteral("playing"));
+        frame.action("part.stop")->trigger();
+    }
+    app::CMidiSettingsDialog midiSettings(view.midiSettings(), view.partSession()->renderOptions(),
+                                          nullptr, &frame);
+    save(midiSettings, folder, QStringLiteral("midi-settings-dialog"));
+    app::CMidiFileDialog midiFile(view.midiSettings(), view.partSession()->renderOptions(), &frame);
+    save(midiFile, folder, QStringLiteral("midi-file-dialog"));
+    song::PartWriteOptions writeOptions;
+    writeOptions.render = view.partSession()->renderOptions();
+    app::CPartWriteDialog partWrite(writeOptions, &frame);
+    save(partWrite, folder, QStringLiteral("buzz-patterns-dialog"));
 
     app::CAboutDialog about(&frame);
     save(about, folder, QStringLiteral("about"));

@@ -42,7 +42,7 @@ DataFolderCopy::DataFolderCopy()
 bool AppFixture::start(const QStringList& arguments)
 {
     m_app.reset();
-    m_app = std::make_unique<app::CTonalmancerApp>(std::make_shared<FakePortList>());
+    m_app = std::make_unique<app::CTonalmancerApp>(m_ports);
     return m_app->start(QStringList{QStringLiteral("--data"), m_data.path()} + arguments, false);
 }
 

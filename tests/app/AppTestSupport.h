@@ -21,15 +21,39 @@
 
 namespace apptest {
 
-/** MIDI outputs for tests: a fixed list of names; opening any fails. */
+/**
+ * MIDI outputs for tests: a list of names (none unless set); the listed devices open as ports
+ * that record every message they receive, in order, whichever device it was.
+ */
 class FakePortList : public midi::MidiPortList
 {
 public:
     explicit FakePortList(std::vector<std::string> names = {}) : m_names(std::move(names)) {}
     std::vector<std::string> deviceNames() override { return m_names; }
-    std::unique_ptr<midi::MidiOutPort> openPort(unsigned) override { return nullptr; }
+    std::unique_ptr<midi::MidiOutPort> openPort(unsigned number) override
+    {
+        if (number >= m_names.size())
+            return nullptr;
+        ++opened;
+        return std::make_unique<Port>(*this);
+    }
+    void setNames(std::vector<std::string> names) { m_names = std::move(names); }
+
+    std::vector<std::vector<std::uint8_t>> messages;
+    int opened = 0;
+    int closed = 0;
 
 private:
+    struct Port : midi::MidiOutPort
+    {
+        explicit Port(FakePortList& list) : m_list(list) {}
+        ~Port() override { ++m_list.closed; }
+        void sendMessage(const std::vector<std::uint8_t>& bytes) override
+        {
+            m_list.messages.push_back(bytes);
+        }
+        FakePortList& m_list;
+    };
     std::vector<std::string> m_names;
 };
 
@@ -81,6 +105,7 @@ protected:
 
     DataFolderCopy m_data;
     MessageRecorder m_messages;
+    std::shared_ptr<FakePortList> m_ports = std::make_shared<FakePortList>();
     std::unique_ptr<app::CTonalmancerApp> m_app;
 };
 

@@ -4,6 +4,7 @@
 
 #include "app/CTempoBar.h"
 #include "app/CommandTable.h"
+#include "app/PartSession.h"
 
 #include <QAction>
 #include <QCoreApplication>
@@ -54,6 +55,10 @@ const MenuRow kExpectedMenuBar[] = {
     {"Part", "Save As Default Part", "", "Load the default part."},
     {"Part", "Add Part To Presets", "", "Add current part to part presets"},
     {"Part", "Add Pattern To Presets", "", "Add current pattern to pattern presets."},
+    // The part's note transformations, with the team's own prompts.
+    {"Part", "Transpose", "", nullptr},
+    {"Part", "Mirror", "", nullptr},
+    {"Part", "Note Limits", "", nullptr},
     {"Machines", "Add Machine", "F4", "Add a new machine to the song."},
     {"Machines", "Scan Gear-Directory", "", "Scan all Buzz-machines."},
     {"Machines", "Scan Single File", "", "Scan one machine."},
@@ -240,18 +245,21 @@ TEST_F(MainWindowCommands, PlayingFlagsDecideWhichPlayButtonsShowPressed)
         EXPECT_EQ(frame().action("part.play")->isChecked(), c.part);
         EXPECT_EQ(frame().action("part.playChord")->isChecked(), c.chord);
     }
-    // A click on the button does not press it by itself; only the flags do.
+    // A click on the button does not press it by itself; only the flags do (a part without
+    // chords does not play).
     QAction* play = frame().action("part.play");
-    play->setEnabled(true);
+    view().partSession()->newPart();
     play->trigger();
     EXPECT_FALSE(play->isChecked());
 }
 
 TEST_F(MainWindowCommands, CommandsOfTheComingPartEditorAreShownButDisabled)
 {
-    for (const char* id : {"part.createMidiFile", "part.new", "machines.add", "part.play"})
+    for (const char* id : {"machines.add"})
         EXPECT_FALSE(frame().action(id)->isEnabled()) << id;
-    for (const char* id : {"file.open", "chords.manager", "chords.findChord", "help.about"})
+    for (const char* id :
+         {"file.open", "chords.manager", "chords.findChord", "help.about", "part.new",
+          "part.createMidiFile", "part.createBuzzPatterns", "part.play"})
         EXPECT_TRUE(frame().action(id)->isEnabled()) << id;
 }
 

@@ -34,7 +34,9 @@ const std::pair<const char*, QStringList> kExpectedMenus[] = {
         "Cut\tCtrl+X", "Paste Insert\tCtrl+V", "Paste Append\tCtrl+W", "Select All\tCtrl+A",
         "Remove\tDel", "Clear List\tCtrl+Del", "Sort > By Name > Upwards",
         "Sort > By Name > Downwards", "Sort > By Notes > Upwards", "Sort > By Notes > Downwards",
-        "Normalize > All", "Normalize > Selected", "Normalize > Invert", "Find Scale",
+        "Normalize > All", "Normalize > Selected", "Normalize > Invert",
+        "Transform > Transpose", "Transform > Mirror", "Transform > Note Limits",
+        "Remove Double", "Find Scale",
         "Print List\tCtrl+P", "Undo\tCtrl+Z"}},
     {"patternList", {"New\tCtrl+Return", "Rename", "Create Copy\tCtrl+Shift+Return",
         "Remove\tCtrl+Shift+Del", "Clear List", "Add Pattern To Presets",
@@ -46,7 +48,13 @@ const std::pair<const char*, QStringList> kExpectedMenus[] = {
     {"patternEditor", {"Copy\tCtrl+C", "Cut\tCtrl+X", "Paste\tCtrl+V", "Select All\tCtrl+A",
         "Select Track\tCtrl+Shift+A", "Clear Selected\tDel", "Clear Pattern\tCtrl+Entf"}},
     {"settingsView", {"Show Bmx", "Reset"}},
-    {"trackHeader", {"Track On\tCtrl+M", "Select Track"}},
+    {"trackHeader", {"Track On\tCtrl+M", "Select Track", "Move Left", "Move Right",
+        "Swap With > Track 1", "Swap With > Track 2", "Swap With > Track 3",
+        "Swap With > Track 4", "Swap With > Track 5", "Swap With > Track 6",
+        "Swap With > Track 7", "Swap With > Track 8", "Merge Into > Track 1",
+        "Merge Into > Track 2", "Merge Into > Track 3", "Merge Into > Track 4",
+        "Merge Into > Track 5", "Merge Into > Track 6", "Merge Into > Track 7",
+        "Merge Into > Track 8"}},
 };
 // clang-format on
 

@@ -110,18 +110,28 @@ TEST_F(OpenFromDesktop, PartsAndPresetsGoToThePartEditorAndLeaveANewSong)
         const QString path = m_data.file(QLatin1String(name));
         ASSERT_TRUE(start(path)) << name;
         EXPECT_EQ(handed, (std::vector<std::pair<Kind, QString>>{{kind, path}}));
-        EXPECT_EQ(m_app->mainFrame()->windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+        EXPECT_EQ(m_app->mainFrame()->windowTitle(),
+                  QStringLiteral("Untitled - default.prt - Tonalmancer"));
     }
     EXPECT_TRUE(m_messages.texts().isEmpty());
 }
 
-TEST_F(OpenFromDesktop, WithoutAPartEditorAPartIsRefusedAndTheProgramStillStarts)
+TEST_F(OpenFromDesktop, APartOpensInThePartEditorAndTheProgramStartsWhateverTheFile)
 {
-    const QString part = m_data.file(QStringLiteral("default.prt"));
+    const QString part = m_data.file(QStringLiteral("mine.prt"));
+    ASSERT_TRUE(QFile::copy(m_data.file(QStringLiteral("default.prt")), part));
     ASSERT_TRUE(start(part));
+    EXPECT_TRUE(m_messages.texts().isEmpty());
+    EXPECT_EQ(m_app->mainFrame()->windowTitle(),
+              QStringLiteral("Untitled - mine.prt - Tonalmancer"));
+
+    // A file the part editor does not take is refused with its name; the program still starts.
+    const QString presets = m_data.file(QStringLiteral("default.spr"));
+    ASSERT_TRUE(start(presets));
     ASSERT_EQ(m_messages.texts().size(), 1);
-    EXPECT_TRUE(m_messages.texts()[0].contains(part));
-    EXPECT_EQ(m_app->mainFrame()->windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+    EXPECT_TRUE(m_messages.texts()[0].contains(presets));
+    EXPECT_EQ(m_app->mainFrame()->windowTitle(),
+              QStringLiteral("Untitled - default.prt - Tonalmancer"));
 }
 
 TEST_F(OpenFromDesktop, AChordDatabaseReplacesTheDefaultOne)

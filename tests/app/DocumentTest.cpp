@@ -20,7 +20,7 @@ QByteArray readAll(const QString& path)
 
 TEST_F(Document, ANewSongIsUntitled)
 {
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
     EXPECT_TRUE(document().path().isEmpty());
     EXPECT_FALSE(frame().action("file.update")->isEnabled());
 }
@@ -36,7 +36,7 @@ TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessages)
     EXPECT_EQ(m_messages.texts(),
               (QStringList{QStringLiteral("Error:\nno Buzzfile"),
                            QStringLiteral("Error loading file \n Code:\t666")}));
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
 }
 
 TEST_F(Document, TheDefaultSongOpensWithoutQuestionsAndBecomesTheNewSong)
@@ -148,13 +148,14 @@ TEST_F(Document, ARealSongOpensSavesAndReadsBackTheSame)
     if (corpus.isEmpty() || !QFile::exists(source))
         GTEST_SKIP() << "song corpus not found (set TM_SONG_CORPUS)";
     ASSERT_TRUE(frame().openSong(source)); // learning its machine is answered Yes
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("buzztrax_buzz1.bmx - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(),
+              QStringLiteral("buzztrax_buzz1.bmx - default.prt - Tonalmancer"));
     const std::size_t machines = document().song()->machineCount();
     EXPECT_GE(machines, 2u);
     // The corpus is read-only: save a copy, then save that again in place.
     const QString copy = m_data.file(QStringLiteral("copy.bmx"));
     ASSERT_TRUE(frame().saveSongAs(copy));
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("copy.bmx - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("copy.bmx - default.prt - Tonalmancer"));
     const QByteArray firstSave = readAll(copy);
     ASSERT_TRUE(frame().reloadSong());
     EXPECT_EQ(document().song()->machineCount(), machines);
@@ -172,7 +173,7 @@ TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCode)
     ASSERT_EQ(m_messages.texts().size(), 1);
     EXPECT_TRUE(m_messages.texts()[0].startsWith(QStringLiteral("Error saving file \n Code:\t")));
     EXPECT_TRUE(document().hasSong());
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
 }
 
 TEST_F(Document, SaveAsDefaultReplacesTheDefaultSongOnly)

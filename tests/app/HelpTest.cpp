@@ -5,13 +5,16 @@
 #include "app/CFindDialog.h"
 #include "app/CTreeCtrlX.h"
 #include "app/HelpRouter.h"
+#include "app/MathWindow.h"
+#include "app/MathWindow.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QScrollBar>
 #include <QComboBox>
 #include <QFile>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
@@ -231,6 +234,7 @@ TEST_F(HelpInTheWindow, F1OpensTheTopicOfTheWindowOrRegionInUse)
         {chords().tree(), "topic-3"},
         {view().regions().partList, "topic-1"},
         {find.includeBox(), "topic-6"},
+        {view().mathWindow()->textEdit(), "topic-11"},
     };
     for (const auto& [widget, topic] : cases) {
         SCOPED_TRACE(topic);
@@ -243,6 +247,7 @@ TEST_F(HelpInTheWindow, F1OpensTheTopicOfTheWindowOrRegionInUse)
         EXPECT_EQ(m_opened.front().fragment(), QString::fromLatin1(topic));
     }
     find.hide();
+    view().mathWindow()->hide();
 }
 
 } // namespace

@@ -25,7 +25,7 @@ TEST_F(Startup, OpensWithTheShippedDefaultsAndAnEmptySong)
     EXPECT_FALSE(chords().collection().isEmpty());
     EXPECT_GT(view().partPresets().count(), 0);
     EXPECT_GT(view().patternPresets().count(), 0);
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
     EXPECT_EQ(frame().centralWidget(), &view());
     EXPECT_TRUE(m_messages.texts().isEmpty());
     QStringList expected = {QStringLiteral("Pattern List"), QStringLiteral("Base Wave"),
@@ -90,7 +90,7 @@ TEST_F(Startup, OpensTheSongNamedOnTheCommandLine)
     ASSERT_TRUE(QFile::exists(song));
     m_messages.clear();
     ASSERT_TRUE(start({song}));
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("default.bmx - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("default.bmx - default.prt - Tonalmancer"));
     EXPECT_EQ(document().path(), song);
     EXPECT_TRUE(m_messages.texts().isEmpty()); // its generator is in the shipped database
 }
@@ -99,7 +99,7 @@ TEST_F(Startup, ASongThatCannotBeReadLeavesANewSong)
 {
     ASSERT_TRUE(start({m_data.file(QStringLiteral("missing.bmx"))}));
     EXPECT_FALSE(m_messages.texts().isEmpty());
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
 }
 
 TEST_F(Startup, WrongArgumentsAreRefused)

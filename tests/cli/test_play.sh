@@ -37,6 +37,20 @@ expect() {
     [ "$got" -eq "$code" ] || fail "$*: exit $got, expected $code ($err)"
     [ -z "$message" ] || [ "$err" = "$message" ] || fail "$*: \"$err\", not \"$message\""
 }
+# A build without MIDI devices (the Windows build) marks the live commands in its help, and each
+# of them says why it cannot run, with status 1.
+if "$cli" --help | grep -q '^  play .*(not in this build)$'; then
+    for words in "devices" "play --part $part --device 0" "inputs" "name-chord --listen keys"; do
+        # shellcheck disable=SC2086 # the words are split on purpose
+        expect 1 "" $words
+        grep -q "is not available in this build of tonalmancer-cli" "$work/err" ||
+            fail "$words: $(head -1 "$work/err")"
+        [ -s "$work/out" ] && fail "$words printed on stdout"
+    done
+    [ "$failures" -eq 0 ] && echo "SKIP: this build has no MIDI devices; it says so for every live command"
+    exit $((failures ? 1 : 77))
+fi
+
 # The first five characters (status and data 1) of each message printed.
 sent() { cut -c1-5 "$work/out" | tr '\n' ' '; }
 

@@ -222,3 +222,54 @@ TEST(StepMessage, VelocityByteStaysAValidDataByteAndANoteOnNeverReadsAsANoteOff)
         EXPECT_EQ(m.velocityByte(), byte) << status << ", " << velocity;
     }
 }
+
+TEST_F(StepEngineTest, APartUpdatedWhilePlayingIsHeardFromTheNextStepOn)
+{
+    // Two chords of four rows on one pattern; track 0 plays chord note 0 on row 0. After step 1
+    // the part is replaced: a new cell (row 2, track 1), or chords taken away.
+    const part::Part p = makePart({makePattern({chordNote(0, 0, 0)})},
+                                  {makeChord({0, 4, 7}, 4), makeChord({2, 5, 9}, 4)});
+    part::Part withCell = p;
+    withCell.patterns().pattern(0).setCell(1, 2, {part::CellKind::ChordNote, 1, 0});
+    part::Part oneChord = p;
+    oneChord.remove(1);
+    part::Part noChords = p;
+    noChords.remove(1);
+    noChords.remove(0);
+
+    struct Case
+    {
+        const char* what;
+        const part::Part& update;
+        Sent expected;
+        int steps; // steps after the first before the playback ends
+    };
+    const Case cases[] = {
+        {"a new cell sounds at its row",
+         withCell,
+         {{0, kOn, 60},
+          {2, kOn, 64},
+          {4, kOff, 60},
+          {4, kOn, 62},
+          {6, kOff, 64},
+          {6, kOn, 65},
+          {8, kOff, 62},
+          {8, kOff, 65}},
+         7},
+        {"the range is cut to the chords left", oneChord, {{0, kOn, 60}, {4, kOff, 60}}, 3},
+        {"the playing chord is gone: its notes stop", noChords, {{0, kOn, 60}, {2, kOff, 60}}, 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        m_sink.messages.clear();
+        ASSERT_TRUE(m_engine.startPart(p, kNoIndex));
+        ASSERT_TRUE(m_engine.step());
+        m_engine.updatePart(c.update);
+        int steps = 1;
+        while (m_engine.step())
+            ++steps;
+        EXPECT_EQ(steps, c.steps);
+        EXPECT_EQ(sent(), c.expected);
+        EXPECT_FALSE(m_engine.isPlaying());
+    }
+}

@@ -46,7 +46,7 @@ class SafeFileWriterTest : public ::testing::Test
 protected:
     void SetUp() override { fs::create_directories(m_dir); }
     void TearDown() override { fs::remove_all(m_dir); }
-    long filesIn() const { return std::distance(fs::directory_iterator(m_dir), {}); }
+    std::ptrdiff_t filesIn() const { return std::distance(fs::directory_iterator(m_dir), {}); }
 
     const fs::path m_dir =
         fs::temp_directory_path() / ("tm-music-safe-" + std::to_string(std::random_device{}()));

@@ -1,6 +1,6 @@
 #include "PlaybackTestSupport.h"
 
-#include "app/player/PartPlayer.h"
+#include "player/PartPlayer.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -210,4 +210,68 @@ TEST_F(PartPlayerTest, VelocityAbove127IsUsedOnceThenLoweredInTheSettings)
     EXPECT_EQ(m_player.settings().velocity(), 127);
     for (const Bytes& m : m_ports->snapshot())
         EXPECT_LE(m.back(), 127); // never a status byte in a data byte on the wire
+}
+
+TEST_F(PartPlayerTest, ALoopStartsOverAtTheRangeOrTheChordUntilItIsTurnedOff)
+{
+    // One round of the whole part, and of chord 1 alone.
+    const Notes part = {0x93, 48, 0x93, 52, 0x83, 48, 0x93, 53,
+                        0x83, 52, 0x93, 57, 0x83, 53, 0x83, 57};
+    const Notes chord1 = {0x93, 53, 0x93, 57, 0x83, 53, 0x83, 57};
+    const auto join = [](std::initializer_list<Notes> rounds) {
+        Notes all;
+        for (const Notes& r : rounds)
+            all.insert(all.end(), r.begin(), r.end());
+        return all;
+    };
+    struct Case
+    {
+        const char* what;
+        bool singleChord;
+        int loopChord; // where every round after the first starts
+        Notes expected;
+    };
+    // Both start at chord 1 and play three rounds: the part has no selected range, so its loop
+    // comes back to chord 0.
+    const Case cases[] = {
+        {"part", false, 0, join({chord1, part, part})},
+        {"chord", true, 1, join({chord1, chord1, chord1})},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        {
+            const std::lock_guard<std::mutex> lock(m_ports->mutex);
+            m_ports->messages.clear();
+        }
+        int rounds = 0;
+        const QMetaObject::Connection counting =
+            QObject::connect(&m_player, &PartPlayer::stepPlayed, [&](int chord, int row) {
+                const bool starts = row == 0 && (chord == c.loopChord || rounds == 0);
+                if (starts && ++rounds == 3)
+                    m_player.setLooping(false); // the third round is the last
+            });
+        m_player.setLooping(true);
+        ASSERT_EQ(c.singleChord ? m_player.playSingleChord(makeTestPart(), 1)
+                                : m_player.playPart(makeTestPart(), 1),
+                  kStarted);
+        ASSERT_TRUE(runUntilFinished());
+        QObject::disconnect(counting);
+        EXPECT_EQ(notes(), c.expected);
+    }
+}
+
+TEST_F(PartPlayerTest, PortAndProgramChangedWhilePlayingAreSentAtOnce)
+{
+    std::vector<quint32> sent;
+    QObject::connect(&m_player, &PartPlayer::messageSent,
+                     [&sent](quint32 packed) { sent.push_back(packed); });
+    m_player.setTempo(1, 1); // a minute per step: nothing but the changes is sent meanwhile
+    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), kStarted);
+    sent.clear();
+    change([](midi::MidiSettings& s) { s.setProgram(50); });
+    change([](midi::MidiSettings& s) { s.setPort(7); });
+    change([](midi::MidiSettings& s) { s.setVelocity(90); }); // nothing to send
+    EXPECT_EQ(sent, (std::vector<quint32>{0x32C3, 0x0701FF, 0x32C3}));
+    EXPECT_EQ(m_player.settings().programAt(7, 3), 50);
+    m_player.stop();
 }

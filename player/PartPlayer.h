@@ -63,14 +63,29 @@ public:
     /**
      * Device, port, channel, program, velocity and program table. While playing, a velocity
      * change takes effect on the following messages and a channel change on the notes started
-     * afterwards; notes already sounding end on the channel they started on.
+     * afterwards; notes already sounding end on the channel they started on. A new port sends
+     * the port selection at once, a new channel or program a program change (and goes into the
+     * program table); a new device is used from the next start on.
      */
     void setSettings(const midi::MidiSettings& settings);
     /** The settings, with each playback's program stored into the program table. */
     const midi::MidiSettings& settings() const { return m_settings; }
     void setSettingsRequest(SettingsRequest request) { m_settingsRequest = std::move(request); }
 
+    /** Track switches and note limit apply from the next step on, the index option per chord. */
     void setRenderOptions(const part::RenderOptions& options);
+    /**
+     * A live edit of the part being played (cells, track octaves): heard from the next step on,
+     * from the same position. Nothing while idle.
+     */
+    void updatePart(const part::Part& part);
+    /**
+     * Whether playback starts over instead of ending: "Play part." at the first chord of the
+     * part's range, "Play single chord." at its chord. Takes effect at the end of the current
+     * round, also when changed while playing.
+     */
+    void setLooping(bool looping) { m_looping = looping; }
+    bool isLooping() const { return m_looping; }
     /** Beats per minute and ticks per beat of the tempo bar; applies from the next step on. */
     void setTempo(int beatsPerMinute, int ticksPerBeat);
     /** The step interval in milliseconds: 60000 / (BPM x TPB), truncated to 16 bits. */
@@ -91,7 +106,7 @@ public:
 
     const midi::StepEngine& engine() const { return m_engine; }
 
-signals:
+Q_SIGNALS:
     /** The two playing flags changed (the window checks its commands by them). */
     void playingChanged(bool playing, bool singleChord);
     /** A step was played: the chord (index into the part) and its row. */
@@ -113,8 +128,14 @@ private:
     /** Ends the playback: note-offs, device closed, flags cleared; emits `failed` first if set. */
     void finish(const QString& failure);
 
+    /** Starts the round again at its first chord; false when nothing is left to play. */
+    bool restartRound();
+
     std::unique_ptr<midi::CMIDIOutDevice> m_device;
     midi::StepEngine m_engine;
+    part::Part m_part;              // as last started or updated, for the next round of a loop
+    std::uint16_t m_roundFirst = 0; // where a loop starts over
+    bool m_looping = false;
     midi::MidiSettings m_settings;
     SettingsRequest m_settingsRequest;
     part::RenderOptions m_options;

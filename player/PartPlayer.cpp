@@ -1,4 +1,4 @@
-#include "app/player/PartPlayer.h"
+#include "player/PartPlayer.h"
 
 #include "midi/CMIDIOutException.h"
 #include "midi/ShortMessage.h"
@@ -41,16 +41,38 @@ PartPlayer::~PartPlayer()
 
 void PartPlayer::setSettings(const midi::MidiSettings& settings)
 {
+    const midi::MidiSettings before = m_settings;
     m_settings = settings;
-    if (m_playing) {
-        m_engine.setChannel(static_cast<std::uint8_t>(settings.channel()));
-        m_engine.setVelocity(settings.velocity());
+    if (!m_playing)
+        return;
+    // The device stays the one opened; its number is taken on the next start.
+    const int port = m_settings.port() & 0x7F;
+    const int channel = m_settings.channel() & 0x0F;
+    m_engine.setChannel(static_cast<std::uint8_t>(channel));
+    m_engine.setVelocity(m_settings.velocity());
+    if (m_settings.port() != before.port())
+        sendPacked(static_cast<std::uint32_t>(port) << 16 | 0x1FF);
+    if (m_settings.port() != before.port() || m_settings.channel() != before.channel() ||
+        m_settings.program() != before.program()) {
+        m_settings.setProgramAt(port, channel, static_cast<std::uint8_t>(m_settings.program()));
+        sendPacked(midi::ShortMessage::pack(0xC0, static_cast<std::uint8_t>(channel),
+                                            static_cast<std::uint8_t>(m_settings.program()), 0));
     }
 }
 
 void PartPlayer::setRenderOptions(const part::RenderOptions& options)
 {
     m_options = options;
+    if (m_playing)
+        m_engine.setRenderOptions(options);
+}
+
+void PartPlayer::updatePart(const part::Part& part)
+{
+    if (!m_playing)
+        return;
+    m_part = part;
+    m_engine.updatePart(part);
 }
 
 void PartPlayer::setTempo(int beatsPerMinute, int ticksPerBeat)
@@ -92,7 +114,7 @@ PartPlayer::StartResult PartPlayer::start(const part::Part& part, std::uint16_t 
         return StartResult::NoDeviceChosen;
 
     if (!m_device->open(m_settings.deviceNumber())) {
-        emit failed(QString::fromLatin1(kUnableToOpenDevice));
+        Q_EMIT failed(QString::fromLatin1(kUnableToOpenDevice));
         return StartResult::UnableToOpen;
     }
 
@@ -102,7 +124,7 @@ PartPlayer::StartResult PartPlayer::start(const part::Part& part, std::uint16_t 
     m_playing = true;
     m_singleChord = singleChord;
     m_deviceFailure.clear();
-    emit playingChanged(true, singleChord);
+    Q_EMIT playingChanged(true, singleChord);
 
     // Port selection (0xFF 0x01 port), then the program, before every playback.
     sendPacked(static_cast<std::uint32_t>(port & 0xFF) << 16 | 0x1FF);
@@ -113,8 +135,15 @@ PartPlayer::StartResult PartPlayer::start(const part::Part& part, std::uint16_t 
     m_engine.setChannel(static_cast<std::uint8_t>(channel));
     m_engine.setVelocity(m_settings.velocity());
     m_clock.start();
+    m_part = part;
     const bool started = singleChord ? m_engine.startSingleChord(part, selectedChord)
                                      : m_engine.startPart(part, selectedChord);
+    // A loop of the part starts over at the range's first chord, a loop of a chord at the chord.
+    std::uint16_t first = part.selectionFirst();
+    std::uint16_t last = part.selectionLast();
+    m_roundFirst = singleChord || !midi::StepEngine::resolveRange(part, first, last)
+                       ? m_engine.currentChord()
+                       : first;
     if (!m_deviceFailure.isEmpty()) {
         finish(m_deviceFailure);
         return StartResult::Started;
@@ -124,7 +153,7 @@ PartPlayer::StartResult PartPlayer::start(const part::Part& part, std::uint16_t 
         return StartResult::NothingToPlay;
     }
     syncVelocity();
-    emit stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
+    Q_EMIT stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
     m_nextDeadlineNs = static_cast<qint64>(m_interval) * kNsPerMs;
     armTimer();
     return StartResult::Started;
@@ -146,7 +175,7 @@ void PartPlayer::sendPacked(std::uint32_t packed)
 {
     if (!m_deviceFailure.isEmpty())
         return; // the device is gone; the playback ends after this step
-    emit messageSent(packed);
+    Q_EMIT messageSent(packed);
     try {
         m_device->send(packed);
     } catch (const midi::CMIDIOutException& error) {
@@ -171,7 +200,9 @@ void PartPlayer::onTimer()
     else if (now - m_nextDeadlineNs > kMaxLagNs)
         m_nextDeadlineNs = now;
 
-    const bool going = m_engine.step();
+    bool going = m_engine.step();
+    if (!going && m_looping && m_deviceFailure.isEmpty())
+        going = restartRound();
     syncVelocity();
     if (!m_deviceFailure.isEmpty()) {
         finish(m_deviceFailure);
@@ -181,9 +212,17 @@ void PartPlayer::onTimer()
         finish(QString()); // the part or the chord has ended; the engine stopped its notes
         return;
     }
-    emit stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
+    Q_EMIT stepPlayed(m_engine.currentChord(), m_engine.stepInChord());
     m_nextDeadlineNs += static_cast<qint64>(m_interval) * kNsPerMs;
     armTimer();
+}
+
+bool PartPlayer::restartRound()
+{
+    // The engine has ended the last round's notes; the new one starts on this same step.
+    if (m_singleChord)
+        return m_engine.startSingleChord(m_part, m_roundFirst);
+    return m_engine.startRange(m_part, m_roundFirst, m_engine.lastChord());
 }
 
 void PartPlayer::syncVelocity()
@@ -201,14 +240,14 @@ void PartPlayer::finish(const QString& failure)
     m_timer.stop();
     m_playing = false;
     m_singleChord = false;
-    emit playingChanged(false, false);
+    Q_EMIT playingChanged(false, false);
     if (m_engine.isPlaying())
         m_engine.stop(); // note-offs for the sounding tracks (dropped when the device failed)
     m_device->close();
     m_finishing = false;
     if (!failure.isEmpty())
-        emit failed(failure);
-    emit finished();
+        Q_EMIT failed(failure);
+    Q_EMIT finished();
 }
 
 } // namespace player
