@@ -16,6 +16,7 @@
 #include <QAccessible>
 #include <QAction>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -32,22 +33,51 @@ namespace {
 using app::PartSession;
 using app::PresetPanel;
 
-/** Answers the next modal dialog of type Dialog as soon as it shows. */
-template <typename Dialog> void answerModal(std::function<void(Dialog&)> answer)
+/**
+ * Answers the next modal dialog of type Dialog: `answer` is called each tick while the dialog
+ * shows, until it returns true. A dialog still open after a few seconds is rejected as a failure,
+ * so that a test fails instead of waiting for ever.
+ */
+template <typename Dialog> void answerModal(std::function<bool(Dialog&)> answer)
 {
     auto* timer = new QTimer(qApp);
     timer->setInterval(10);
-    auto tries = std::make_shared<int>(0);
-    QObject::connect(timer, &QTimer::timeout, [timer, answer, tries] {
+    auto clock = std::make_shared<QElapsedTimer>();
+    clock->start();
+    QObject::connect(timer, &QTimer::timeout, [timer, answer, clock] {
         auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-        if (dialog == nullptr && ++*tries < 300)
-            return;
-        timer->stop();
-        timer->deleteLater();
-        if (dialog != nullptr)
-            answer(*dialog);
+        if (dialog != nullptr && answer(*dialog)) {
+            timer->stop();
+            timer->deleteLater();
+        } else if (clock->elapsed() > 5000) {
+            timer->stop();
+            timer->deleteLater();
+            ADD_FAILURE() << "no " << Dialog::staticMetaObject.className() << " to answer";
+            if (auto* stuck = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+                stuck->reject();
+        }
     });
     timer->start();
+}
+
+/**
+ * Types `typed` into a file dialog's name field and presses its button once the dialog would
+ * give `chosen`; false until then (the dialog fills its folder in the background).
+ */
+bool chooseFile(QFileDialog& dialog, const QString& typed, const QString& chosen)
+{
+    // selectFile() leaves the field alone while it has the focus, which depends on the window
+    // system: type into the field as a user does.
+    auto* field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    if (field == nullptr)
+        return false;
+    field->setText(typed);
+    if (dialog.selectedFiles() != QStringList{chosen})
+        return false;
+    // QFileDialog's accept() is protected; through QDialog it still checks the name as a
+    // click on the button does.
+    static_cast<QDialog&>(dialog).accept();
+    return !dialog.isVisible();
 }
 
 class Presets : public apptest::AppFixture
@@ -267,6 +297,7 @@ TEST_F(Presets, TheCurrentPatternOrPartBecomesAPresetUnderTheNameGiven)
         asked = dialog.windowTitle() + QLatin1Char('|') + dialog.nameEdit()->text();
         dialog.nameEdit()->setText(QStringLiteral("Groove  "));
         dialog.accept();
+        return true;
     });
     frame().action("part.addPatternToPresets")->trigger();
     EXPECT_EQ(asked, QStringLiteral("Add Preset|noname"));
@@ -334,14 +365,14 @@ TEST_F(Presets, ListsAreSavedAndLoadedThroughFileDialogsThatStartInTheUserFolder
         SCOPED_TRACE(c.extension);
         const QStringList original = names(c.panel);
         QString startedIn;
+        const QString saved = QDir(user).filePath(QStringLiteral("mine.") + c.extension);
         answerModal<QFileDialog>([&](QFileDialog& dialog) {
             startedIn = dialog.directory().absolutePath();
-            dialog.selectFile(QDir(user).filePath(QStringLiteral("mine")));
-            static_cast<QDialog&>(dialog).accept(); // QFileDialog's own accept checks the name
+            // Typed without the extension: the dialog adds it.
+            return chooseFile(dialog, QDir(user).filePath(QStringLiteral("mine")), saved);
         });
         item(c.panel, QStringLiteral("save"))->trigger();
         EXPECT_EQ(startedIn, QDir(user).absolutePath());
-        const QString saved = QDir(user).filePath(QStringLiteral("mine.") + c.extension);
         ASSERT_TRUE(QFile::exists(saved)) << "the dialog adds the extension";
 
         item(c.panel, QStringLiteral("new"))->trigger();
@@ -349,10 +380,8 @@ TEST_F(Presets, ListsAreSavedAndLoadedThroughFileDialogsThatStartInTheUserFolder
         EXPECT_FALSE(item(c.panel, QStringLiteral("append"))->isEnabled());
         EXPECT_EQ(namesInFile(c.panel), original) << "New leaves the default file";
 
-        answerModal<QFileDialog>([&](QFileDialog& dialog) {
-            dialog.selectFile(saved);
-            static_cast<QDialog&>(dialog).accept();
-        });
+        answerModal<QFileDialog>(
+            [&](QFileDialog& dialog) { return chooseFile(dialog, saved, saved); });
         item(c.panel, QStringLiteral("load"))->trigger();
         EXPECT_EQ(names(c.panel), original);
 
