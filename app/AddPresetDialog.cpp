@@ -39,6 +39,7 @@ AddPresetDialog::AddPresetDialog(const QString& what, QWidget* parent) : QDialog
     layout->addWidget(prompt);
     layout->addLayout(form);
     layout->addWidget(buttons);
+    setMinimumWidth(fontMetrics().averageCharWidth() * 45); // room for a descriptive name
 }
 
 QString AddPresetDialog::name() const

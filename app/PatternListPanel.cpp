@@ -1,5 +1,6 @@
 #include "app/PatternListPanel.h"
 
+#include "app/NamedEditorDelegate.h"
 #include "app/PartSession.h"
 #include "app/PatternListModel.h"
 #include "app/PatternPresetSource.h"
@@ -24,6 +25,8 @@ PatternListPanel::PatternListPanel(PartSession& session, PresetPanel& presets,
     m_model = new PatternListModel(session, this);
     m_model->setObjectName(QStringLiteral("patternListModel"));
     setModel(m_model);
+    setItemDelegate(
+        new NamedEditorDelegate(tr("Pattern name"), QStringLiteral("patternNameEditor"), this));
     setShowGrid(false);
     setWordWrap(false);
     setSelectionMode(QAbstractItemView::SingleSelection);

@@ -4,6 +4,7 @@
 #include "app/FileFilters.h"
 #include "app/LineText.h"
 #include "app/MessageBoxes.h"
+#include "app/NamedEditorDelegate.h"
 #include "app/PartSession.h"
 #include "app/PresetListModel.h"
 #include "app/PresetSource.h"
@@ -28,6 +29,8 @@ PresetPanel::PresetPanel(std::unique_ptr<PresetSource> source, PartSession& sess
     m_model->setObjectName(objectName() + QStringLiteral("Model"));
     m_model->setRenameHandler([this](int row, const QString& name) { return rename(row, name); });
     setModel(m_model);
+    setItemDelegate(
+        new NamedEditorDelegate(tr("Preset name"), QStringLiteral("presetNameEditor"), this));
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::EditKeyPressed);
     setUniformItemSizes(true);
@@ -192,10 +195,10 @@ void PresetPanel::newList()
 
 bool PresetPanel::addCurrent(const NameAsker& ask)
 {
-    AddPresetDialog dialog(tr("%1 becomes a new preset of the %2 list.")
-                               .arg(m_source->currentThing())
-                               .arg(m_source->title().toLower()),
-                           this);
+    QString what = m_source->currentThing();
+    what.replace(0, 1, what.at(0).toUpper()); // it opens the sentence
+    AddPresetDialog dialog(
+        tr("%1 becomes a new preset of the %2 list.").arg(what, m_source->title().toLower()), this);
     const bool accepted = ask ? ask(dialog) : dialog.exec() == QDialog::Accepted;
     return accepted && addCurrentNamed(dialog.name());
 }

@@ -215,6 +215,7 @@ TEST_F(PatternList, RenamesInPlaceKeepingTheNameToOneLine)
             m_panel->indexWidget(model()->index(1, PatternListModel::NameColumn)));
         ASSERT_NE(editor, nullptr);
         ASSERT_TRUE(editor->isVisible());
+        EXPECT_EQ(editor->accessibleName(), QStringLiteral("Pattern name"));
         editor->selectAll();
         QTest::keyClicks(editor, c.typed);
         QTest::keyClick(editor, Qt::Key_Return);

@@ -258,6 +258,7 @@ TEST_F(Presets, RenameRemoveAndSortWriteTheDefaultFileAtOnce)
         item(panel, QStringLiteral("rename"))->trigger();
         auto* editor = qobject_cast<QLineEdit*>(panel->indexWidget(panel->model()->index(1, 0)));
         ASSERT_NE(editor, nullptr);
+        EXPECT_EQ(editor->accessibleName(), QStringLiteral("Preset name"));
         editor->selectAll();
         QTest::keyClicks(editor, QStringLiteral("aaa first"));
         QTest::keyClick(editor, Qt::Key_Return);
