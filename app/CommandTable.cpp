@@ -170,8 +170,8 @@ constexpr std::array kContextMenus = {
     CommandEntry{"pattern.addListToPresets", "patternList", "Add List &To Presets", "", "Add every pattern to the pattern presets."},
 
     // Pattern presets and part presets: two menus of the same shape.
-    CommandEntry{"patternPreset.append", "patternPresets", "&Append", "", "Append the preset."},
-    CommandEntry{"patternPreset.replace", "patternPresets", "&Replace", "", "Replace by the preset."},
+    CommandEntry{"patternPreset.append", "patternPresets", "&Append", "", "Add the preset to the part as a new pattern."},
+    CommandEntry{"patternPreset.replace", "patternPresets", "&Replace", "", "Put the preset in place of the current pattern."},
     CommandEntry{"patternPreset.rename", "patternPresets", "Re&name", "", "Rename the preset."},
     CommandEntry{"patternPreset.remove", "patternPresets", "Re&move", "", "Remove the preset."},
     CommandEntry{"patternPreset.sortUp", "patternPresets|&Sort", "&Upwards", "", "Sort the presets upwards."},
@@ -181,8 +181,8 @@ constexpr std::array kContextMenus = {
     CommandEntry{"patternPreset.save", "patternPresets", "Sa&ve", "", "Save the presets to file."},
     CommandEntry{"patternPreset.loadDefault", "patternPresets", "Load &Default", "", "Load the default presets."},
     CommandEntry{"patternPreset.saveDefault", "patternPresets", "Save List As De&fault", "", "Save the presets as default."},
-    CommandEntry{"partPreset.append", "partPresets", "&Append", "", "Append the preset."},
-    CommandEntry{"partPreset.replace", "partPresets", "&Replace", "", "Replace by the preset."},
+    CommandEntry{"partPreset.append", "partPresets", "&Append", "", "Add the preset's chords and patterns after the part's."},
+    CommandEntry{"partPreset.replace", "partPresets", "&Replace", "", "Replace the whole part by the preset."},
     CommandEntry{"partPreset.rename", "partPresets", "Re&name", "", "Rename the preset."},
     CommandEntry{"partPreset.remove", "partPresets", "Re&move", "", "Remove the preset."},
     CommandEntry{"partPreset.sortUp", "partPresets|&Sort", "&Upwards", "", "Sort the presets upwards."},
