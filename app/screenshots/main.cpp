@@ -1,5 +1,6 @@
 // Takes the screenshots of the manual: starts the program as a user would, opens the main window
 // and each dialog in turn, and saves what they show as PNG files into the folder given.
+#include "app/AddPresetDialog.h"
 #include "app/CAboutDialog.h"
 #include "app/CChordFromListDialog.h"
 #include "app/CChordTypeDialog.h"
@@ -27,6 +28,8 @@
 #include "app/PartListModel.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
+#include "app/PartSettingsModel.h"
+#include "app/PartSettingsPanel.h"
 #include "app/PatternGridPanel.h"
 #include "app/PatternListPanel.h"
 #include "app/PatternTrackHeader.h"
@@ -170,11 +173,12 @@ int main(int argc, char* argv[])
         QString());
     save(*chordCommands.searchInfo(), folder, QStringLiteral("search-info"));
     // The default song in the machine view; a generator the database does not know is learnt.
-    app::MessageBoxes::setHandler(
-        [](QWidget*, const QString& text, QMessageBox::Icon, QMessageBox::StandardButtons) {
-            std::printf("message: %s\n", qPrintable(text));
-            return QMessageBox::Yes;
-        });
+    const auto printMessages = [](QWidget*, const QString& text, QMessageBox::Icon,
+                                  QMessageBox::StandardButtons) {
+        std::printf("message: %s\n", qPrintable(text));
+        return QMessageBox::Yes;
+    };
+    app::MessageBoxes::setHandler(printMessages);
     if (frame.loadDefaultSong()) {
         view.showMachineView(true);
         save(frame, folder, QStringLiteral("machine-view"));
@@ -201,6 +205,26 @@ int main(int argc, char* argv[])
         save(*patternMenu, folder, QStringLiteral("pattern-list-menu"));
         patternMenu->hide();
         save(frame, folder, QStringLiteral("part-window"));
+        // A track's octave chosen in place, a preset list's menu and the "Add Preset" dialog.
+        app::PartSettingsPanel& settings = *view.partSettings();
+        const QModelIndex track3 =
+            settings.model()->index(app::PartSettingsModel::FirstTrackRow + 2, 1);
+        settings.setCurrentIndex(track3);
+        settings.edit(track3);
+        settle();
+        save(settings, folder, QStringLiteral("settings-track-octave"));
+        settings.closePersistentEditor(track3);
+        settings.setCurrentIndex({});
+        QMenu* presetMenu = view.contextMenu("patternPresets");
+        presetMenu->popup(view.patternPresetPanel()->viewport()->mapToGlobal(QPoint(60, 30)));
+        settle();
+        save(*presetMenu, folder, QStringLiteral("preset-list-menu"));
+        presetMenu->hide();
+        view.patternPresetPanel()->addCurrent([&folder](app::AddPresetDialog& dialog) {
+            save(dialog, folder, QStringLiteral("add-preset-dialog"));
+            dialog.hide();
+            return false;
+        });
 
         // The track headers' menu, and the Math Window with its Euclidean arpeggio previewed.
         QMenu* header = grid->trackHeaderMenu();
@@ -226,12 +250,15 @@ int main(int argc, char* argv[])
 
     // Playing on the built-in synth (into a WAV file when TONALMANCER_SYNTH_WAV names one): the
     // indicator shows, the grid follows the playing row. Then the dialogs of hearing and export.
+    // A device that cannot start here (no sound server) says so on the console, not in a box.
     if (!midi::MidiPortList::systemList()->deviceNames().empty()) {
+        app::MessageBoxes::setHandler(printMessages);
         view.midiSettings().setDeviceNumber(0);
         frame.action("part.play")->trigger();
         settle(1500);
         save(frame, folder, QStringLiteral("playing"));
         frame.action("part.stop")->trigger();
+        app::MessageBoxes::setHandler({});
     }
     app::CMidiSettingsDialog midiSettings(view.midiSettings(), view.partSession()->renderOptions(),
                                           nullptr, &frame);
