@@ -204,7 +204,6 @@ int main(int argc, char* argv[])
         settle();
         save(*patternMenu, folder, QStringLiteral("pattern-list-menu"));
         patternMenu->hide();
-        save(frame, folder, QStringLiteral("part-window"));
         // A track's octave chosen in place, a preset list's menu and the "Add Preset" dialog.
         app::PartSettingsPanel& settings = *view.partSettings();
         const QModelIndex track3 =
