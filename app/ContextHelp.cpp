@@ -16,7 +16,8 @@ namespace {
 constexpr const char* kContextProperty = "tonalmancerHelpContext";
 
 // The manual's topics: 1 main window, 3 chord database, 4 generating, 5 editing the database,
-// 6 finding, 7 chord types and scales, 11 the Math Window.
+// 6 finding, 7 chord types and scales, 11 the Math Window, 12 the pattern list, 13 the part
+// settings, 14 presets.
 struct ClassContext
 {
     const char* className;
@@ -30,6 +31,8 @@ constexpr ClassContext kClassContexts[] = {
     {"app::CSearchInfoWindow", 6},   {"app::CTypeManagerDialog", 7},
     {"app::CChordTypeDialog", 7},    {"app::CScaleDialog", 7},
     {"app::CIntervalListDialog", 7}, {"app::MathWindow", 11},
+    {"app::PatternListPanel", 12},   {"app::PartSettingsPanel", 13},
+    {"app::PresetPanel", 14},        {"app::AddPresetDialog", 14},
 };
 
 } // namespace

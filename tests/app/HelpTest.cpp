@@ -235,6 +235,9 @@ TEST_F(HelpInTheWindow, F1OpensTheTopicOfTheWindowOrRegionInUse)
         {view().regions().partList, "topic-1"},
         {find.includeBox(), "topic-6"},
         {view().mathWindow()->textEdit(), "topic-11"},
+        {view().regions().patternList, "topic-12"},
+        {view().regions().partSettings, "topic-13"},
+        {view().regions().patternPresets, "topic-14"},
     };
     for (const auto& [widget, topic] : cases) {
         SCOPED_TRACE(topic);
