@@ -125,6 +125,7 @@ TEST_F(PartSettings, TrackOctavesAreChosenInWordsAndWriteTheCurrentPatternsBlock
     QSignalSpy stops(&session(), &PartSession::aboutToEdit);
     auto* box = openEditor<QComboBox>(Row::FirstTrackRow + 2);
     ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->accessibleName(), QStringLiteral("Track 3"));
     QStringList offered;
     for (int i = 0; i < box->count(); ++i)
         offered << box->itemText(i);
@@ -222,6 +223,7 @@ TEST_F(PartSettings, AssistiveTechnologyReadsLabelsAndValuesAsATable)
               QStringLiteral("Track 8"));
     EXPECT_EQ(table->cellAt(Row::FirstTrackRow + 7, 1)->text(QAccessible::Name),
               QStringLiteral("Track 8: base - 2"));
+    EXPECT_EQ(m_panel->contextMenu()->accessibleName(), QStringLiteral("Part settings commands"));
 }
 
 } // namespace

@@ -421,6 +421,8 @@ TEST_F(Presets, AssistiveTechnologyReadsBothListsAndTheirPresets)
         QAccessibleInterface* list = QAccessible::queryAccessibleInterface(c.panel);
         ASSERT_NE(list, nullptr);
         EXPECT_EQ(list->text(QAccessible::Name), QString::fromLatin1(c.name));
+        EXPECT_EQ(c.panel->contextMenu()->accessibleName(),
+                  QString::fromLatin1(c.name) + QStringLiteral(" commands"));
         ASSERT_EQ(list->childCount(), c.panel->model()->rowCount());
         EXPECT_EQ(list->child(0)->text(QAccessible::Name), names(c.panel).first());
     }
