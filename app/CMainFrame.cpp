@@ -10,12 +10,12 @@
 #include "app/CommandTable.h"
 #include "app/ContextHelp.h"
 #include "app/FileFilters.h"
+#include "app/GearScanRunner.h"
 #include "app/HelpRouter.h"
 #include "app/MessageBoxes.h"
 #include "app/PartSession.h"
-#include "app/WaitCursor.h"
+#include "music/Utf8Path.h"
 #include "song/FileErrorCode.h"
-#include "song/MachineScanner.h"
 
 #include <QAction>
 #include <QApplication>
@@ -221,7 +221,7 @@ void CMainFrame::connectDocumentCommands()
             scanSingleFile(path);
     });
     connect(action("machines.scanGear"), &QAction::triggered, this, [this] {
-        const QString path = QFileDialog::getExistingDirectory(this, tr("Gear Directory"));
+        const QString path = QFileDialog::getExistingDirectory(this, tr("Select \\Gear Directory"));
         if (!path.isEmpty())
             scanGearDirectory(path);
     });
@@ -244,8 +244,13 @@ QString CMainFrame::songFolder() const
 
 bool CMainFrame::reportLoad(const music::Result& result)
 {
-    if (result)
+    if (result) {
+        // A song read with warnings is usable; say what the reader had to assume.
+        if (!m_document->readWarnings().isEmpty())
+            MessageBoxes::show(this, m_document->readWarnings().join(QStringLiteral("\n\n")),
+                               QMessageBox::Warning);
         return true;
+    }
     // The reader's own message first (not a Buzz file, unknown machine), unless a dialog on the
     // way has shown it already; then the code.
     if (!result.message().empty() && !m_machineDialogs->messageShown())
@@ -300,38 +305,26 @@ bool CMainFrame::loadDefaultSong()
 
 bool CMainFrame::scanSingleFile(const QString& dllPath)
 {
-    bool changed = false;
-    music::Result result;
-    {
-        WaitCursor wait;
-        result = song::MachineScanner::scanSingleDll(m_document->dataFolder().root(),
-                                                     dllPath.toStdString(), changed);
-    }
-    if (!result) {
-        MessageBoxes::error(this, QString::fromStdString(result.message()));
+    const GearScanRunner::Outcome outcome = GearScanRunner::scanSingleFile(
+        this, m_document->dataFolder().root(), music::pathFromUtf8(dllPath.toStdString()));
+    if (!outcome.result) {
+        MessageBoxes::error(this, QString::fromStdString(outcome.result.message()));
         return false;
     }
-    statusBar()->showMessage(changed ? tr("The machine was added to the machine database.")
-                                     : tr("The machine database knows this machine already."),
-                             5000);
+    MessageBoxes::show(this, GearScanRunner::singleSummary(outcome), QMessageBox::Information);
     return true;
 }
 
 bool CMainFrame::scanGearDirectory(const QString& gearPath)
 {
-    music::Result result;
-    {
-        WaitCursor wait;
-        result = song::MachineScanner::scanGearDirectory(m_document->dataFolder().root(),
-                                                         gearPath.toStdString());
-    }
-    if (!result) {
-        MessageBoxes::error(this, QString::fromStdString(result.message()));
+    const GearScanRunner::Outcome outcome = GearScanRunner::scanGearDirectory(
+        this, m_document->dataFolder().root(), music::pathFromUtf8(gearPath.toStdString()));
+    if (!outcome.result) {
+        MessageBoxes::error(this, QString::fromStdString(outcome.result.message()));
         return false;
     }
-    MessageBoxes::show(this, ActionFactory::toQString(song::MachineScanner::kScanDoneMessage),
-                       QMessageBox::Information);
-    return true;
+    MessageBoxes::show(this, GearScanRunner::gearSummary(outcome), QMessageBox::Information);
+    return !outcome.report.cancelled;
 }
 
 bool CMainFrame::maybeSaveSong()

@@ -60,9 +60,16 @@ public:
     bool saveSongAs(const QString& path);
     bool loadDefaultSong();
     bool saveSongAsDefault();
-    /** Adds one machine DLL to the machine database; false (and shown) on failure. */
+    /**
+     * Adds one machine DLL to the machine database behind a progress dialog, then says what it
+     * did; false (and shown) on failure.
+     */
     bool scanSingleFile(const QString& dllPath);
-    /** Rebuilds the machine database from the tracker's gear folder. */
+    /**
+     * Rebuilds the machine database from the tracker's gear folder on a worker thread behind a
+     * cancellable progress dialog, then sums up what was added, skipped and refused. False when
+     * it failed or was cancelled.
+     */
     bool scanGearDirectory(const QString& gearPath);
     /**
      * Before a changed song is left (new, open, reload, exit): asks whether to save it and does.

@@ -48,10 +48,15 @@ CMidiFileDialog::CMidiFileDialog(const midi::MidiSettings& settings,
     m_writeBpm->setObjectName(QStringLiteral("midiFileWriteBpm"));
     m_writeBpm->setToolTip(QString::fromLatin1(kWriteBpmTip));
     m_writeBpm->setChecked(settings.writeBpm() != 0);
+    m_markers = new QCheckBox(tr("Write chord names as &markers"), notes);
+    m_markers->setObjectName(QStringLiteral("midiFileMarkers"));
+    m_markers->setAccessibleName(tr("Write chord names as markers"));
+    m_markers->setToolTip(QString::fromLatin1(kMarkersTip));
     auto* form = new QFormLayout(notes);
     form->addRow(tr("&Channel"), m_channel);
     form->addRow(tr("&Velocity"), m_velocity);
     form->addRow(m_writeBpm);
+    form->addRow(m_markers);
 
     m_rules = new NoteRuleBox(NoteRuleBox::kMidiFileTexts, this);
     m_rules->setOptions(options);
@@ -83,6 +88,16 @@ midi::MidiSettings CMidiFileDialog::settings() const
 part::RenderOptions CMidiFileDialog::renderOptions() const
 {
     return m_rules->applyTo(m_options);
+}
+
+bool CMidiFileDialog::writeChordNames() const
+{
+    return m_markers->isChecked();
+}
+
+void CMidiFileDialog::setWriteChordNames(bool on)
+{
+    m_markers->setChecked(on);
 }
 
 } // namespace app

@@ -15,7 +15,8 @@ class NoteRuleBox;
 
 /**
  * The options of "Create Midi File": the notes' channel (shown 1..16), their velocity (16, 32,
- * ..., 128), whether the tempo is written, and the note rules (index overflow, upper limit).
+ * ..., 128), whether the tempo is written, whether the chords' names go into the file as markers
+ * (the caller keeps that choice), and the note rules (index overflow, upper limit).
  */
 class CMidiFileDialog : public QDialog
 {
@@ -25,6 +26,9 @@ public:
     static constexpr const char* kVelocityTip = "The notes velocity.";
     static constexpr const char* kWriteBpmTip =
         "If active, the bpm-value will be written to the file.";
+    static constexpr const char* kMarkersTip =
+        "Names every chord with a marker where it starts, and the first track with the part's "
+        "name, so that a sequencer shows them.";
 
     CMidiFileDialog(const midi::MidiSettings& settings, const part::RenderOptions& options,
                     QWidget* parent = nullptr);
@@ -33,6 +37,9 @@ public:
     midi::MidiSettings settings() const;
     /** The render options given, with the index option and upper limit as chosen. */
     part::RenderOptions renderOptions() const;
+    /** "Write chord names as markers"; off unless set. */
+    bool writeChordNames() const;
+    void setWriteChordNames(bool on);
 
     /** The list's velocity at `index`: (index + 1) * 16. */
     static int velocityAt(int index) { return (index + 1) * 16; }
@@ -42,6 +49,7 @@ public:
     QSpinBox* channelBox() const { return m_channel; }
     QComboBox* velocityBox() const { return m_velocity; }
     QCheckBox* writeBpmBox() const { return m_writeBpm; }
+    QCheckBox* markersBox() const { return m_markers; }
     NoteRuleBox* noteRules() const { return m_rules; }
 
 private:
@@ -50,6 +58,7 @@ private:
     QSpinBox* m_channel = nullptr;
     QComboBox* m_velocity = nullptr;
     QCheckBox* m_writeBpm = nullptr;
+    QCheckBox* m_markers = nullptr;
     NoteRuleBox* m_rules = nullptr;
 };
 

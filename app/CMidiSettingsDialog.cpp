@@ -3,6 +3,7 @@
 #include "app/MessageBoxes.h"
 #include "app/NoteRuleBox.h"
 #include "app/ProgramTableModel.h"
+#include "midi/MidiInPortList.h"
 #include "player/PartPlayer.h"
 
 #include <QComboBox>
@@ -144,6 +145,34 @@ void CMidiSettingsDialog::addGroup(QGroupBox* group)
     m_groups->insertWidget(m_groups->count() - 1, group);
 }
 
+void CMidiSettingsDialog::setInputPorts(const std::shared_ptr<midi::MidiInPortList>& inputs)
+{
+    if (!inputs || m_input != nullptr)
+        return;
+    auto* group = new QGroupBox(tr("Input"), this);
+    group->setObjectName(QStringLiteral("midiInputGroup"));
+    group->setAccessibleName(tr("Midi input"));
+    m_input = new QComboBox(group);
+    m_input->setObjectName(QStringLiteral("midiInputDevice"));
+    m_input->setAccessibleName(tr("Input device"));
+    m_input->setToolTip(tr("The MIDI keyboard whose notes the keyboard panel shows and names."));
+    m_input->addItem(tr("None"), QString());
+    for (const std::string& name : inputs->inputNames())
+        m_input->addItem(QString::fromStdString(name), QString::fromStdString(name));
+    const QString stored = QString::fromStdString(m_settings.inputDeviceName());
+    int current = m_input->findData(stored);
+    if (current < 0) {
+        m_input->addItem(tr("%1 (not connected)").arg(stored), stored);
+        current = m_input->count() - 1;
+    }
+    m_input->setCurrentIndex(current);
+    auto* form = new QFormLayout(group);
+    auto* label = new QLabel(tr("&Input device"), group);
+    label->setBuddy(m_input);
+    form->addRow(label, m_input);
+    addGroup(group);
+}
+
 midi::MidiSettings CMidiSettingsDialog::settings() const
 {
     midi::MidiSettings chosen = m_settings;
@@ -153,6 +182,8 @@ midi::MidiSettings CMidiSettingsDialog::settings() const
     chosen.setChannel(static_cast<std::uint16_t>(m_channel->value() - 1));
     chosen.setProgram(static_cast<std::uint16_t>(m_program->value()));
     chosen.setProgramTable(m_tableModel->table());
+    if (m_input != nullptr)
+        chosen.setInputDeviceName(m_input->currentData().toString().toStdString());
     return chosen;
 }
 

@@ -15,6 +15,10 @@ class QSpinBox;
 class QTableView;
 class QVBoxLayout;
 
+namespace midi {
+class MidiInPortList;
+}
+
 namespace player {
 class PartPlayer;
 }
@@ -32,6 +36,10 @@ class ProgramTableModel;
  * settings (a MIDI input) take one more group.
  *
  * A stored device number that names no device any more is kept unless another is chosen.
+ *
+ * With input ports given (setInputPorts), an "Input" group chooses the MIDI input device by its
+ * stable name, or "None"; a stored name that the system does not list now stays offered (marked
+ * "not connected") and chosen, so that a keyboard unplugged for the moment is not forgotten.
  */
 class CMidiSettingsDialog : public QDialog
 {
@@ -55,6 +63,8 @@ public:
 
     /** Adds a group of further settings below the others. */
     void addGroup(QGroupBox* group);
+    /** Adds the input group, listing the input devices of `inputs` (enumerated anew). */
+    void setInputPorts(const std::shared_ptr<midi::MidiInPortList>& inputs);
 
     /** The chord "Test" plays: C, E and G for four rows. */
     static part::Part testPart();
@@ -67,6 +77,8 @@ public:
     QTableView* programTable() const { return m_table; }
     ProgramTableModel* programTableModel() const { return m_tableModel; }
     QPushButton* testButton() const { return m_test; }
+    /** The input device choice; nullptr until setInputPorts. Item data: the stable name. */
+    QComboBox* inputBox() const { return m_input; }
     player::PartPlayer& testPlayer() const { return *m_testPlayer; }
 
 private:
@@ -82,6 +94,7 @@ private:
     QSpinBox* m_channel = nullptr;
     QSpinBox* m_program = nullptr;
     QPushButton* m_test = nullptr;
+    QComboBox* m_input = nullptr;
     NoteRuleBox* m_rules = nullptr;
     QTableView* m_table = nullptr;
     ProgramTableModel* m_tableModel = nullptr;

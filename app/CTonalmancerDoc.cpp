@@ -1,5 +1,6 @@
 #include "app/CTonalmancerDoc.h"
 
+#include "app/SongHistory.h"
 #include "app/WaitCursor.h"
 #include "song/DataFolderMachineCatalog.h"
 #include "song/FileErrorCode.h"
@@ -12,19 +13,61 @@ namespace app {
 
 CTonalmancerDoc::CTonalmancerDoc(music::DataFolder dataFolder, QObject* parent)
     : QObject(parent), m_dataFolder(std::move(dataFolder))
-{}
+{
+    m_history = new SongHistory(
+        [this](SongHistory::State state) {
+            SongHistory::State now;
+            if (m_song)
+                now = {std::move(*m_song), m_revision};
+            m_song = std::move(state.song);
+            setRevision(state.revision);
+            Q_EMIT songEdited();
+            return now;
+        },
+        this);
+}
 
 QString CTonalmancerDoc::title() const
 {
     return m_path.isEmpty() ? tr("Untitled") : QFileInfo(m_path).fileName();
 }
 
-void CTonalmancerDoc::setModified(bool modified)
+UndoTarget* CTonalmancerDoc::history() const
 {
-    if (modified == m_modified)
-        return;
-    m_modified = modified;
-    Q_EMIT modifiedChanged(modified);
+    return m_history;
+}
+
+void CTonalmancerDoc::startOver()
+{
+    m_history->clear();
+    m_revision = m_nextRevision++;
+    m_savedRevision = m_revision;
+    Q_EMIT modifiedChanged(false);
+}
+
+void CTonalmancerDoc::setRevision(std::uint64_t revision)
+{
+    const bool was = isModified();
+    m_revision = revision;
+    if (isModified() != was)
+        Q_EMIT modifiedChanged(isModified());
+}
+
+music::Result CTonalmancerDoc::edit(const QString& label,
+                                    const std::function<music::Result(song::BuzzSong&)>& change)
+{
+    if (!m_song)
+        return music::Result::failure(tr("There is no song to change.").toStdString());
+    SongHistory::State before{*m_song, m_revision};
+    const music::Result result = change(*m_song);
+    if (!result) {
+        m_song = std::move(before.song);
+        return result;
+    }
+    m_history->record(label, std::move(before));
+    setRevision(m_nextRevision++);
+    Q_EMIT songEdited();
+    return result;
 }
 
 QString CTonalmancerDoc::defaultSongPath() const
@@ -55,7 +98,7 @@ void CTonalmancerDoc::newSong()
         m_song.reset();
     }
     m_path.clear();
-    setModified(false);
+    startOver();
     Q_EMIT songChanged();
 }
 
@@ -67,7 +110,7 @@ music::Result CTonalmancerDoc::open(const QString& path)
         return result;
     m_song = std::move(loaded);
     m_path = path;
-    setModified(false);
+    startOver();
     Q_EMIT songChanged();
     return result;
 }
@@ -97,13 +140,17 @@ music::Result CTonalmancerDoc::saveAs(const QString& path)
         WaitCursor wait;
         result = song::SongWriter::write(*m_song, path.toStdString());
     }
-    if (result)
-        setModified(false);
-    if (result && path != m_path) {
+    if (!result)
+        return result;
+    const bool renamed = path != m_path;
+    if (renamed) {
         m_path = path;
         m_song->setPath(path.toStdString());
-        Q_EMIT songChanged();
     }
+    m_savedRevision = m_revision;
+    Q_EMIT modifiedChanged(false);
+    if (renamed)
+        Q_EMIT songChanged();
     return result;
 }
 
@@ -116,7 +163,7 @@ music::Result CTonalmancerDoc::loadDefault()
     loaded.setPath({});
     m_song = std::move(loaded);
     m_path.clear();
-    setModified(false);
+    startOver();
     Q_EMIT songChanged();
     return result;
 }

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdint>
+#include <functional>
 #include <optional>
 
 namespace song {
@@ -16,9 +18,15 @@ class UnknownMachineHandler;
 
 namespace app {
 
+class SongHistory;
+class UndoTarget;
+
 /**
  * The document: the open Buzz song. It holds a song from a successful read until the next new or
  * open; a failed read leaves the document as it was. Reading and writing show the wait cursor.
+ *
+ * Every change to the song goes through `edit`, which makes it one step of the song's undo
+ * history and marks the song modified until it is saved.
  */
 class CTonalmancerDoc : public QObject
 {
@@ -37,14 +45,8 @@ public:
     song::BuzzSong* song() { return m_song ? &*m_song : nullptr; }
     /** The file the song is saved to; empty for a new song. */
     const QString& path() const { return m_path; }
-    /** "Untitled" or the file's name. */
+    /** "Untitled" or the file's name (the frame adds "*" while the song has unsaved edits). */
     QString title() const;
-    /**
-     * Whether the song was changed since it was read or saved (patterns written into it). A new,
-     * opened, reloaded or saved song is unchanged; saving it as the default song is not saving.
-     */
-    bool isModified() const { return m_modified; }
-    void setModified(bool modified);
     const music::DataFolder& dataFolder() const { return m_dataFolder; }
 
     /**
@@ -66,24 +68,48 @@ public:
     QString defaultSongPath() const;
 
     /**
+     * Changes the song as one undoable step named `label` ("Remove machine"). `change` works on
+     * the song itself; when it fails, the song is put back as it was and its result returned.
+     * On success the song is marked modified and `songEdited` is emitted. Fails without a song.
+     */
+    music::Result edit(const QString& label,
+                       const std::function<music::Result(song::BuzzSong&)>& change);
+    /**
+     * Whether the song has edits that were not saved (undoing them all clears it). A new, opened,
+     * reloaded or saved song is unchanged; saving it as the default song is not saving.
+     */
+    bool isModified() const { return m_song.has_value() && m_revision != m_savedRevision; }
+    /** The song's undo history, for the window's Undo and Redo. */
+    UndoTarget* history() const;
+
+    /**
      * What the last song read warned about although it succeeded, e.g. a machine read by the
      * song's own parameter descriptions because machines.ini describes it differently.
      */
     const QStringList& readWarnings() const { return m_readWarnings; }
 
 Q_SIGNALS:
+    /** Another song (or none) is open: new, open, reload, or the file name changed. */
     void songChanged();
+    /** The open song was changed by an edit, an undo or a redo. */
+    void songEdited();
     void modifiedChanged(bool modified);
 
 private:
     music::Result read(const QString& path, song::BuzzSong& target, bool askAboutMachines);
+    /** A new song was taken in: no history, nothing modified. */
+    void startOver();
+    void setRevision(std::uint64_t revision);
 
     music::DataFolder m_dataFolder;
     song::UnknownMachineHandler* m_handler = nullptr;
     std::optional<song::BuzzSong> m_song;
     QString m_path;
     QStringList m_readWarnings;
-    bool m_modified = false;
+    SongHistory* m_history = nullptr;
+    std::uint64_t m_nextRevision = 1;
+    std::uint64_t m_revision = 0;      // of the song as it is now
+    std::uint64_t m_savedRevision = 0; // of the song as last read or saved
 };
 
 } // namespace app

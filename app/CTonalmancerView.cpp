@@ -6,8 +6,11 @@
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordTransformCommands.h"
+#include "app/KeyboardPanel.h"
+#include "app/MachinePanel.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
+#include "app/MidiInputController.h"
 #include "app/PartExportCommands.h"
 #include "app/PartFileCommands.h"
 #include "app/PartListPanel.h"
@@ -22,18 +25,23 @@
 #include "app/PresetPanel.h"
 #include "app/TransportController.h"
 #include "app/UndoRouter.h"
+#include "app/VoicingCommands.h"
 #include "app/WaitCursor.h"
 #include "midi/CMIDIOutException.h"
+#include "midi/MidiInPortList.h"
 #include "midi/MidiPortList.h"
 #include "part/Part.h"
 #include "part/PatternRecipeList.h"
+#include "player/PartPlayer.h"
 
 #include <QAction>
+#include <QDockWidget>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStatusBar>
 #include <QTableWidget>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -104,10 +112,22 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     for (QWidget* partRegion : {regions.partList, regions.patternList, regions.patternGrid,
                                 regions.partSettings, regions.partPresets, regions.patternPresets})
         registerUndoTarget(partRegion, m_partSession);
+    registerUndoTarget(regions.machines, m_document.history());
     connectTempoBar();
     connectCommands();
+    createKeyboardPanel();
 
     m_transport = new TransportController(m_frame, *m_partSession, m_midiSettings, m_ports, this);
+    m_transport->setInputPorts(m_midiInput->inputs());
+    connect(m_transport, &TransportController::midiSettingsOpening, m_keyboard,
+            &KeyboardPanel::stopSound);
+    connect(m_transport, &TransportController::midiSettingsEdited, this,
+            [this] { openMidiInput(true); });
+    connect(&m_transport->player(), &player::PartPlayer::playingChanged, m_keyboard,
+            [this](bool playing) {
+                if (playing)
+                    m_keyboard->stopSound();
+            });
     m_transport->addSpaceToggle(regions.partList);
     m_transport->addSpaceToggle(regions.patternGrid);
     m_partExports =
@@ -201,26 +221,20 @@ QWidget* CTonalmancerView::createPartSettingsPanel()
 
 QWidget* CTonalmancerView::createMachinePanel()
 {
-    m_machineList = named(new QTreeWidget(this), "machineView", tr("Machines of the song"));
-    m_machineList->setHeaderLabels({tr("Machine"), tr("DLL"), tr("Patterns"), tr("Tracks")});
-    m_machineList->setRootIsDecorated(false);
-    m_machineList->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    attachContextMenu("machineView", m_machineList);
-    QMenu* menu = contextMenu("machineView");
-    ActionFactory::onTriggered(menu, "machine.selectAll", this,
-                               [this] { m_machineList->selectAll(); });
-    const std::pair<const char*, std::uint8_t> filters[] = {{"machine.viewGenerators", 0},
-                                                            {"machine.viewSynths", 1},
-                                                            {"machine.viewSamplers", 2},
-                                                            {"machine.viewEffects", 3},
-                                                            {"machine.viewAll", 4}};
-    for (const auto& [id, filter] : filters) {
-        ActionFactory::onTriggered(menu, id, this, [this, value = filter] {
-            m_midiSettings.setMachineFilter(value);
-            refreshMachines();
-        });
-    }
-    return m_machineList;
+    m_machinePanel = new MachinePanel(
+        m_document, m_midiSettings, [this](std::string_view id) { return m_frame.action(id); },
+        this);
+    registerContextMenu("machineView", m_machinePanel->contextMenu());
+    connect(m_machinePanel, &MachinePanel::statusMessage, this, [this](const QString& text) {
+        if (QStatusBar* status = m_frame.statusBar())
+            status->showMessage(text, 5000);
+    });
+    return m_machinePanel;
+}
+
+QString CTonalmancerView::selectedMachineName() const
+{
+    return m_machinePanel->selectedMachineName();
 }
 
 QWidget* CTonalmancerView::createPartPresetPanel()
@@ -291,6 +305,43 @@ void CTonalmancerView::layOut(const Regions& regions)
     layout->addWidget(main);
 }
 
+void CTonalmancerView::createKeyboardPanel()
+{
+    m_keyboard = new KeyboardPanel(*m_partSession, *m_chordDatabase, *m_partList, m_ports,
+                                   m_midiSettings, &m_frame);
+    registerUndoTarget(m_keyboard, m_partSession);
+    m_keyboardDock =
+        named(new QDockWidget(tr("Keyboard"), &m_frame), "keyboardDock", tr("Keyboard"));
+    m_keyboardDock->setWidget(m_keyboard);
+    m_keyboardDock->setAllowedAreas(Qt::BottomDockWidgetArea | Qt::TopDockWidgetArea);
+    m_frame.addDockWidget(Qt::BottomDockWidgetArea, m_keyboardDock);
+    QAction* toggle = m_frame.action("view.keyboard");
+    toggle->setChecked(true);
+    connect(toggle, &QAction::triggered, m_keyboardDock, &QDockWidget::setVisible);
+    connect(m_keyboardDock, &QDockWidget::visibilityChanged, toggle, [this, toggle] {
+        // Tabbed away counts as shown; only a closed dock is unchecked.
+        toggle->setChecked(!m_keyboardDock->isHidden());
+    });
+
+    m_midiInput = new MidiInputController(midi::MidiInPortList::systemList(), this);
+    m_keyboard->setMidiInput(m_midiInput);
+    m_voicing = new VoicingCommands(*m_partList, *m_partSession, m_keyboard,
+                                    [this](std::string_view id) { return m_frame.action(id); });
+}
+
+void CTonalmancerView::openMidiInput(bool reportFailure)
+{
+    const std::string& name = m_midiSettings.inputDeviceName();
+    if (m_midiInput->isOpen() && m_midiInput->deviceName() == name)
+        return;
+    const QString failure = m_midiInput->open(name);
+    if (failure.isEmpty())
+        return;
+    m_keyboard->inputLabel()->setText(tr("No MIDI input: %1").arg(failure));
+    if (reportFailure)
+        MessageBoxes::error(this, failure);
+}
+
 // ---- menus and command routing ---------------------------------------------------------------
 
 void CTonalmancerView::attachContextMenu(std::string_view name, QWidget* widget)
@@ -331,7 +382,6 @@ void CTonalmancerView::connectCommands()
     };
     on("view.showBmx", [this] { showMachineView(true); });
     on("view.showSettings", [this] { showMachineView(false); });
-    connect(&m_document, &CTonalmancerDoc::songChanged, this, &CTonalmancerView::refreshMachines);
 }
 
 // ---- start and end ---------------------------------------------------------------------------
@@ -344,9 +394,10 @@ void CTonalmancerView::initialUpdate()
             midi::MidiSettings::read(m_dataFolder.file(midi::MidiSettings::kFileName), *m_ports);
     }
     m_chordDatabase->loadDefaults();
+    openMidiInput(false); // a keyboard not plugged in at start is no reason for a message box
     m_partPresetPanel->loadDefaultQuietly();
     m_patternPresetPanel->loadDefaultQuietly();
-    refreshMachines();
+    m_machinePanel->applySettings();
     m_partFiles->loadAtStart();
 }
 
@@ -371,6 +422,8 @@ bool CTonalmancerView::mayClose()
 void CTonalmancerView::shutdown()
 {
     m_transport->stop(); // what playback changed in the settings is written too
+    m_keyboard->stopSound();
+    m_midiInput->close();
     if (m_settingsWritten || !m_ports)
         return;
     m_settingsWritten = true;
@@ -390,16 +443,6 @@ void CTonalmancerView::showMachineView(bool machines)
     m_sideStack->setCurrentWidget(machines ? m_regions.machines : m_regions.partSettings);
 }
 
-QString CTonalmancerView::selectedMachineName() const
-{
-    for (int i = 0; i < m_machineList->topLevelItemCount(); ++i) {
-        const QTreeWidgetItem* item = m_machineList->topLevelItem(i);
-        if (item->isSelected() && !item->isHidden())
-            return item->text(0);
-    }
-    return {};
-}
-
 bool CTonalmancerView::addPartAsMidiFile(QMimeData& dragData)
 {
     return m_midiDrag->addTo(dragData, m_partSession->part(), m_partExports->midiExportOptions(),
@@ -409,35 +452,6 @@ bool CTonalmancerView::addPartAsMidiFile(QMimeData& dragData)
 QString CTonalmancerView::lastDraggedMidiFile() const
 {
     return m_midiDrag->lastFile();
-}
-
-void CTonalmancerView::refreshMachines()
-{
-    QStringList selected;
-    for (const QTreeWidgetItem* item : m_machineList->selectedItems())
-        selected << item->text(0);
-    m_machineList->clear();
-    const song::BuzzSong* song = m_document.song();
-    if (song == nullptr)
-        return;
-    const std::uint8_t filter = m_midiSettings.machineFilter();
-    for (std::size_t i = 0; i < song->machineCount(); ++i) {
-        const song::SongMachine& machine = song->machines()[i];
-        // The song tells generators (1) from effects (2); synths and samplers are generators.
-        const bool generator = machine.type == 1;
-        const bool effect = machine.type == 2;
-        if ((filter <= 2 && !generator) || (filter == 3 && !effect))
-            continue;
-        auto* item = new QTreeWidgetItem(m_machineList);
-        item->setText(0, QString::fromStdString(machine.name));
-        item->setText(1, machine.isMaster() ? tr("(master)")
-                                            : QString::fromStdString(machine.dllName));
-        item->setText(2, QString::number(song->patternCount(i)));
-        item->setText(3, QString::number(machine.trackCount));
-        item->setSelected(selected.contains(item->text(0)));
-    }
-    for (int column = 0; column < 3; ++column)
-        m_machineList->resizeColumnToContents(column);
 }
 
 int CTonalmancerView::currentPartPreset() const

@@ -12,22 +12,25 @@
 #include <string>
 #include <string_view>
 
+class QDockWidget;
 class QMenu;
 class QMimeData;
 class QStackedWidget;
-class QTableWidget;
-class QTreeWidget;
 
 namespace midi {
+class MidiInPortList;
 class MidiPortList;
-}
+} // namespace midi
 
 namespace app {
 
 class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
+class KeyboardPanel;
+class MachinePanel;
 class MathWindow;
+class MidiInputController;
 class PartExportCommands;
 class PartFileCommands;
 class PartListPanel;
@@ -41,13 +44,15 @@ class PresetPanel;
 class TransportController;
 class UndoRouter;
 class UndoTarget;
+class VoicingCommands;
 
 /**
  * The main form: a thin frame that composes the regions (panels) of the window and routes the
  * window's commands to them. The chord database sits on the left, the part (its chords, patterns
  * and the pattern grid) in the middle, the part settings or the song's machines and the presets
  * on the right. Undo and Redo act on the region that has, or last had, the focus. The view owns
- * the MIDI settings; the preset panels own their lists.
+ * the MIDI settings; the preset panels own their lists. The keyboard panel is a dock of the main
+ * window (View > Keyboard), fed by the MIDI input the settings name.
  */
 class CTonalmancerView : public CResizableFormView
 {
@@ -82,6 +87,12 @@ public:
     /** The part being edited; every part panel edits it through this session. */
     PartSession* partSession() const { return m_partSession; }
     PartListPanel* partList() const { return m_partList; }
+    /** The keyboard panel and its dock (View > Keyboard). */
+    KeyboardPanel* keyboardPanel() const { return m_keyboard; }
+    QDockWidget* keyboardDock() const { return m_keyboardDock; }
+    /** The MIDI input device the settings name. */
+    MidiInputController* midiInput() const { return m_midiInput; }
+    VoicingCommands* voicing() const { return m_voicing; }
     /** The pattern generator window (View > Math Window). */
     MathWindow* mathWindow() const { return m_mathWindow; }
     /** The Part menu's files and presets. */
@@ -103,7 +114,13 @@ public:
     PatternListPanel* patternList() const { return m_patternList; }
     PartSettingsPanel* partSettings() const { return m_partSettings; }
 
-    QTreeWidget* machineList() const { return m_machineList; }
+    /** The song's machines ("Show Bmx"). */
+    MachinePanel* machinePanel() const { return m_machinePanel; }
+    /**
+     * The machine "Create Buzz Patterns" writes into: the first selected machine of the machine
+     * view from the top; empty when none is selected.
+     */
+    QString selectedMachineName() const;
     QStackedWidget* sideStack() const { return m_sideStack; }
 
     /** A context menu by the name the command table gives it; nullptr for an unknown name. */
@@ -128,13 +145,6 @@ public:
 
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
-    /**
-     * Fills the machine view from the document's song, filtered as the settings say; the
-     * machines selected before stay selected.
-     */
-    void refreshMachines();
-    /** The first selected machine of the machine view, from the top; empty when none is. */
-    QString selectedMachineName() const;
 
 private:
     // One factory point per region: each returns the region's widget, ready to be laid out. The
@@ -147,6 +157,10 @@ private:
     QWidget* createMachinePanel();
     QWidget* createPartPresetPanel();
     QWidget* createPatternPresetPanel();
+    /** The keyboard dock and the MIDI input; after the part list, before the transport. */
+    void createKeyboardPanel();
+    /** Opens the input device the settings name, if another than the open one. */
+    void openMidiInput(bool reportFailure);
 
     void layOut(const Regions& regions);
     /** Gives a placeholder the context menu `name` of the command table. */
@@ -168,6 +182,10 @@ private:
     PartFileCommands* m_partFiles = nullptr;
     PartListPanel* m_partList = nullptr;
     MathWindow* m_mathWindow = nullptr;
+    KeyboardPanel* m_keyboard = nullptr;
+    QDockWidget* m_keyboardDock = nullptr;
+    MidiInputController* m_midiInput = nullptr;
+    VoicingCommands* m_voicing = nullptr;
     UndoRouter* m_undoRouter = nullptr;
     TransportController* m_transport = nullptr;
     PartExportCommands* m_partExports = nullptr;
@@ -179,7 +197,7 @@ private:
     PatternListPanel* m_patternList = nullptr;
     PartSettingsPanel* m_partSettings = nullptr;
     QStackedWidget* m_sideStack = nullptr;
-    QTreeWidget* m_machineList = nullptr;
+    MachinePanel* m_machinePanel = nullptr;
     std::map<std::string, QMenu*, std::less<>> m_menus;
 };
 

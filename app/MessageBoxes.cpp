@@ -12,15 +12,44 @@ MessageBoxes::Handler& currentHandler()
     return handler;
 }
 
+QString& captionShown()
+{
+    static QString caption;
+    return caption;
+}
+
+/** Keeps the caption of the box being shown for currentCaption(); boxes may nest. */
+class CaptionScope
+{
+public:
+    explicit CaptionScope(const QString& caption) : m_previous(captionShown())
+    {
+        captionShown() = caption.isEmpty() ? QApplication::applicationName() : caption;
+    }
+    ~CaptionScope() { captionShown() = m_previous; }
+    CaptionScope(const CaptionScope&) = delete;
+    CaptionScope& operator=(const CaptionScope&) = delete;
+
+private:
+    QString m_previous;
+};
+
 } // namespace
+
+QString MessageBoxes::currentCaption()
+{
+    return captionShown();
+}
 
 QMessageBox::StandardButton MessageBoxes::show(QWidget* parent, const QString& text,
                                                QMessageBox::Icon icon,
-                                               QMessageBox::StandardButtons buttons)
+                                               QMessageBox::StandardButtons buttons,
+                                               const QString& caption)
 {
+    const CaptionScope scope(caption);
     if (currentHandler())
         return currentHandler()(parent, text, icon, buttons);
-    QMessageBox box(icon, QApplication::applicationName(), text, buttons, parent);
+    QMessageBox box(icon, captionShown(), text, buttons, parent);
     // A wait cursor left over from file work would hide that the box waits for the user.
     const bool busy = QApplication::overrideCursor() != nullptr;
     if (busy)

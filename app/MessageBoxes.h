@@ -19,18 +19,22 @@ public:
         QWidget* parent, const QString& text, QMessageBox::Icon icon,
         QMessageBox::StandardButtons buttons)>;
 
+    /** `caption` titles the box; empty gives the program's name. */
     static QMessageBox::StandardButton show(QWidget* parent, const QString& text,
                                             QMessageBox::Icon icon = QMessageBox::Critical,
-                                            QMessageBox::StandardButtons buttons = QMessageBox::Ok);
+                                            QMessageBox::StandardButtons buttons = QMessageBox::Ok,
+                                            const QString& caption = QString());
+    /** The caption of the box being shown, for handlers; the program's name when none was given. */
+    static QString currentCaption();
 
     static void error(QWidget* parent, const QString& text)
     {
         show(parent, text, QMessageBox::Critical);
     }
-    static bool askYesNo(QWidget* parent, const QString& text)
+    static bool askYesNo(QWidget* parent, const QString& text, const QString& caption = QString())
     {
-        return show(parent, text, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No) ==
-               QMessageBox::Yes;
+        return show(parent, text, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No,
+                    caption) == QMessageBox::Yes;
     }
 
     /** Replaces the modal box; an empty handler restores it. */

@@ -24,6 +24,7 @@ namespace app {
 namespace {
 
 const QString kWriteOptionsGroup = QStringLiteral("partWriter/");
+const QString kMarkersKey = QStringLiteral("midiFile/chordNameMarkers");
 
 } // namespace
 
@@ -60,6 +61,7 @@ midi::MidiExportOptions PartExportCommands::midiExportOptions() const
     }
     options.rangeFirst = m_session.part().selectionFirst();
     options.rangeLast = m_session.part().selectionLast();
+    options.writeChordNames = m_writeChordNames;
     return options;
 }
 
@@ -92,8 +94,11 @@ void PartExportCommands::createMidiFile()
     m_transport.stop();
 
     CMidiFileDialog dialog(m_view.midiSettings(), m_session.renderOptions(), &m_frame);
+    dialog.setWriteChordNames(m_writeChordNames);
     if (dialog.exec() != QDialog::Accepted)
         return;
+    m_writeChordNames = dialog.writeChordNames();
+    QSettings().setValue(kMarkersKey, m_writeChordNames);
     m_view.midiSettings() = dialog.settings();
     m_session.setRenderOptions(dialog.renderOptions());
     if (writeMidiFile(path))
@@ -151,15 +156,17 @@ void PartExportCommands::createBuzzPatterns()
     storeWriteOptions();
     m_session.setRenderOptions(m_writeOptions.render);
 
+    // One step of the song's history (Undo in the machine view takes the patterns out again).
+    // Patterns made before a failure stay in the song: it has changed either way.
     song::PartWriteResult result;
     {
         WaitCursor wait;
-        result = song::PartWriter::write(*song, machine, m_session.part(), m_writeOptions);
-    }
-    if (result.status != song::PartWriteStatus::NothingToDo) {
-        // Patterns made before a failure stay in the song: it has changed either way.
-        m_document.setModified(true);
-        m_view.refreshMachines();
+        m_document.edit(tr("Create Buzz Patterns"), [&](song::BuzzSong& target) {
+            result = song::PartWriter::write(target, machine, m_session.part(), m_writeOptions);
+            return result.status == song::PartWriteStatus::NothingToDo
+                       ? music::Result::failure("nothing written")
+                       : music::Result::success();
+        });
     }
     for (std::size_t i = 0; i < result.messages.size(); ++i) {
         const bool stopped =
@@ -172,6 +179,7 @@ void PartExportCommands::createBuzzPatterns()
 void PartExportCommands::loadWriteOptions()
 {
     const QSettings settings;
+    m_writeChordNames = settings.value(kMarkersKey, false).toBool();
     m_writeOptions.ignoreWave =
         settings.value(kWriteOptionsGroup + QStringLiteral("ignoreWave"), false).toBool();
     m_writeOptions.append =

@@ -20,7 +20,9 @@ class TransportController;
  * "Create Midi File" and "Create Buzz Patterns" (both of its commands): the part leaves the
  * window as a standard MIDI file, or as patterns (and a sequence) of the machine selected in the
  * machine view of the open song. The options dialogs show the stored options each time and store
- * them back when confirmed; the note rules they show are the session's.
+ * them back when confirmed; the note rules they show are the session's. Whether chord names go
+ * into MIDI files as markers is kept for the next run (off at first, so that files stay as they
+ * were).
  */
 class PartExportCommands : public QObject
 {
@@ -49,6 +51,8 @@ public:
     const song::PartWriteOptions& partWriteOptions() const { return m_writeOptions; }
 
     void setFileChooser(FileChooser chooser) { m_chooseFile = std::move(chooser); }
+    /** "Write chord names as markers", as last confirmed. */
+    bool writesChordNames() const { return m_writeChordNames; }
 
 private:
     QString chooseMidiFile(const QString& suggestedPath) const;
@@ -62,6 +66,7 @@ private:
     TransportController& m_transport;
     FileChooser m_chooseFile;
     song::PartWriteOptions m_writeOptions;
+    bool m_writeChordNames = false;
 };
 
 } // namespace app

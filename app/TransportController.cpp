@@ -6,6 +6,7 @@
 #include "app/MessageBoxes.h"
 #include "app/PartSession.h"
 #include "app/PlayingIndicator.h"
+#include "midi/MidiInPortList.h"
 #include "midi/MidiSettings.h"
 #include "player/PartPlayer.h"
 
@@ -133,11 +134,14 @@ bool TransportController::isPlaying() const
 bool TransportController::editMidiSettings()
 {
     stop();
+    Q_EMIT midiSettingsOpening();
     CMidiSettingsDialog dialog(m_settings, m_session.renderOptions(), m_ports, &m_frame);
+    dialog.setInputPorts(m_inputs);
     if (dialog.exec() != QDialog::Accepted)
         return false;
     m_settings = dialog.settings();
     m_session.setRenderOptions(dialog.renderOptions());
+    Q_EMIT midiSettingsEdited();
     return true;
 }
 

@@ -7,6 +7,7 @@
 class QWidget;
 
 namespace midi {
+class MidiInPortList;
 class MidiPortList;
 class MidiSettings;
 } // namespace midi
@@ -57,11 +58,23 @@ public:
      */
     bool editMidiSettings();
 
+    /** The MIDI settings dialog also chooses the input device among `inputs`. */
+    void setInputPorts(std::shared_ptr<midi::MidiInPortList> inputs)
+    {
+        m_inputs = std::move(inputs);
+    }
+
     /** Space toggles play and stop while the focus is in `region` or one of its children. */
     void addSpaceToggle(QWidget* region);
 
     player::PartPlayer& player() const { return *m_player; }
     PlayingIndicator* indicator() const { return m_indicator; }
+
+Q_SIGNALS:
+    /** The MIDI settings dialog is about to open (sounding notes end before a device change). */
+    void midiSettingsOpening();
+    /** The MIDI settings dialog was confirmed; the settings hold its values. */
+    void midiSettingsEdited();
 
 private:
     void connectPlayer();
@@ -74,6 +87,7 @@ private:
     PartSession& m_session;
     midi::MidiSettings& m_settings;
     std::shared_ptr<midi::MidiPortList> m_ports;
+    std::shared_ptr<midi::MidiInPortList> m_inputs;
     player::PartPlayer* m_player = nullptr;
     PlayingIndicator* m_indicator = nullptr;
 };

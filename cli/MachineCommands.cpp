@@ -88,6 +88,8 @@ int runScanGear(const Arguments& args, Context& context)
             context.out() << "added\t" << name << '\n';
         for (const fs::path& file : report.skipped)
             context.out() << "skipped\t" << music::utf8FromPath(file) << '\n';
+        for (const fs::path& file : report.refused)
+            context.out() << "refused\t" << music::utf8FromPath(file) << '\n';
     }
     context.out() << MachineScanner::kScanDoneMessage << '\n';
     return kExitSuccess;

@@ -283,32 +283,45 @@ music::Result MachineScanner::scanGearDirectory(const fs::path& dataDir, const f
 }
 
 music::Result MachineScanner::scanGearDirectory(const fs::path& dataDir, const fs::path& gearDir,
-                                                GearScanReport& report)
+                                                GearScanReport& report,
+                                                const GearScanProgress& progress)
 {
     report = GearScanReport();
-    const std::vector<fs::path> generators =
-        listDlls(findSubfolder(gearDir, "generators"), kMaxDllsPerFolder);
-    const std::vector<fs::path> effects =
-        listDlls(findSubfolder(gearDir, "effects"), kMaxDllsPerFolder);
+    std::vector<std::pair<fs::path, std::uint8_t>> files; // with the type their folder gives
+    for (const fs::path& file : listDlls(findSubfolder(gearDir, "generators"), kMaxDllsPerFolder))
+        files.emplace_back(file, 1);
+    for (const fs::path& file : listDlls(findSubfolder(gearDir, "effects"), kMaxDllsPerFolder))
+        files.emplace_back(file, 2);
 
     std::string lines = builtInLines();
     std::uint16_t count = kFirstCount;
-    const auto scanFolder = [&](const std::vector<fs::path>& files, std::uint8_t type) {
-        for (const fs::path& file : files) {
-            DllMachineInfo info;
-            if (DllMachineReader::readFile(file, info) != DllMachineReader::Status::Ok) {
-                report.skipped.push_back(file);
-                continue;
-            }
-            const MachineDatabaseEntry entry =
-                entryFromInfo(info, music::utf8FromPath(file.stem()), type);
-            lines += MachineDatabase::formatEntry(entry);
-            report.added.push_back(entry.dllName);
-            ++count;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const auto& [file, type] = files[i];
+        if (progress && !progress(i, files.size(), file)) {
+            report.cancelled = true;
+            return music::Result::success();
         }
-    };
-    scanFolder(generators, 1);
-    scanFolder(effects, 2);
+        DllMachineInfo info;
+        switch (DllMachineReader::readFile(file, info)) {
+        case DllMachineReader::Status::NotAnImage:
+            report.skipped.push_back(file);
+            continue;
+        case DllMachineReader::Status::NoGetInfo:
+            report.refused.push_back(file);
+            continue;
+        case DllMachineReader::Status::Ok:
+            break;
+        }
+        const MachineDatabaseEntry entry =
+            entryFromInfo(info, music::utf8FromPath(file.stem()), type);
+        lines += MachineDatabase::formatEntry(entry);
+        report.added.push_back(entry.dllName);
+        ++count;
+    }
+    if (progress && !progress(files.size(), files.size(), {})) {
+        report.cancelled = true;
+        return music::Result::success();
+    }
     return writeThroughTemporary(dataDir, count, lines);
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +17,19 @@ namespace song {
 struct GearScanReport
 {
     std::vector<std::string> added;             // DLL names written, in file order
-    std::vector<std::filesystem::path> skipped; // DLLs that could not be read
+    std::vector<std::filesystem::path> skipped; // files that are no library at all
+    std::vector<std::filesystem::path> refused; // libraries without a readable GetInfo
+    /** The progress callback stopped the scan; machines.ini was not touched. */
+    bool cancelled = false;
 };
+
+/**
+ * Told before each DLL of a full scan is read (`done` of `total` read so far, `next` the file)
+ * and once more with `done == total` before machines.ini is written. Returning false cancels the
+ * scan. Called on the scanning thread.
+ */
+using GearScanProgress =
+    std::function<bool(std::size_t done, std::size_t total, const std::filesystem::path& next)>;
 
 /**
  * Builds and extends `machines.ini` in the data folder from machine DLLs, read without running
@@ -64,9 +76,15 @@ public:
      */
     static music::Result scanGearDirectory(const std::filesystem::path& dataDir,
                                            const std::filesystem::path& gearDir);
+    /**
+     * The same, reporting what was added, skipped and refused, and telling `progress` (when
+     * given) how far it got. A cancelled scan succeeds with `report.cancelled` set and leaves
+     * machines.ini as it was.
+     */
     static music::Result scanGearDirectory(const std::filesystem::path& dataDir,
                                            const std::filesystem::path& gearDir,
-                                           GearScanReport& report);
+                                           GearScanReport& report,
+                                           const GearScanProgress& progress = {});
 
     /**
      * Adds a machine learned elsewhere (from a song's parameter descriptions). A missing

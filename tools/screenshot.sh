@@ -32,6 +32,8 @@ done
 mkdir -p "$WORK/data" "$WORK/home" "$OUTPUT_DIR"
 cp "$BUILD_DIR"/bin/default.* "$BUILD_DIR"/bin/machines.ini "$WORK/data/" 2>/dev/null || true
 
+# The built-in synth plays into a file: the virtual display has no sound card beside it.
 DISPLAY=":$DISPLAY_NUMBER" QT_QPA_PLATFORM=xcb HOME="$WORK/home" XDG_RUNTIME_DIR="$WORK" \
+    TONALMANCER_SYNTH_WAV="$WORK/playing.wav" \
     "$TOOL" "$OUTPUT_DIR" --data "$WORK/data"
 echo "Screenshots are in $OUTPUT_DIR"

@@ -7,6 +7,7 @@
 #include "app/CFindDialog.h"
 #include "app/CGenerateDialog.h"
 #include "app/CIntervalListDialog.h"
+#include "app/CMachineChooserDialog.h"
 #include "app/CMainFrame.h"
 #include "app/CMidiFileDialog.h"
 #include "app/CMidiSettingsDialog.h"
@@ -15,6 +16,7 @@
 #include "app/CScaleGroupDialog.h"
 #include "app/CSearchInfoWindow.h"
 #include "app/CTonalmancerApp.h"
+#include "app/CTonalmancerDoc.h"
 #include "app/CTonalmancerView.h"
 #include "app/CTreeCtrlX.h"
 #include "app/CTypeManagerDialog.h"
@@ -23,6 +25,11 @@
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordSettingsDialog.h"
 #include "app/ForbidNotesDialog.h"
+#include "app/KeyboardPanel.h"
+#include "app/MachineInfoWindow.h"
+#include "app/MachineListModel.h"
+#include "app/MachinePanel.h"
+#include "app/MachineTreeView.h"
 #include "app/MathWindow.h"
 #include "app/MessageBoxes.h"
 #include "app/PartListModel.h"
@@ -30,17 +37,24 @@
 #include "app/PartSession.h"
 #include "app/PartSettingsModel.h"
 #include "app/PartSettingsPanel.h"
+#include "app/PatternChartWindow.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternInfoWindow.h"
 #include "app/PatternListPanel.h"
 #include "app/PatternTrackHeader.h"
 #include "app/PresetPanel.h"
 #include "app/RecipeListModel.h"
 #include "app/TransportController.h"
 #include "app/TransposeDialog.h"
+#include "app/VoicingDialog.h"
+#include "midi/MidiInPortList.h"
 #include "midi/MidiPortList.h"
 #include "part/PartFile.h"
+#include "song/MachineDatabase.h"
+#include "song/PartWriter.h"
 
 #include <QApplication>
+#include <QDockWidget>
 #include <QDir>
 #include <QListView>
 #include <QMenu>
@@ -172,19 +186,56 @@ int main(int argc, char* argv[])
         {true, false, true, false, true, false, false, true, false, false, false, false}, QString(),
         QString());
     save(*chordCommands.searchInfo(), folder, QStringLiteral("search-info"));
-    // The default song in the machine view; a generator the database does not know is learnt.
-    const auto printMessages = [](QWidget*, const QString& text, QMessageBox::Icon,
-                                  QMessageBox::StandardButtons) {
-        std::printf("message: %s\n", qPrintable(text));
-        return QMessageBox::Yes;
-    };
-    app::MessageBoxes::setHandler(printMessages);
+    // Messages are printed, never shown: a modal box would stop the run. The default song in the
+    // machine view; a generator the database does not know is learnt.
+    app::MessageBoxes::setHandler(
+        [](QWidget*, const QString& text, QMessageBox::Icon, QMessageBox::StandardButtons) {
+            std::printf("message: %s\n", qPrintable(text));
+            return QMessageBox::Yes;
+        });
     if (frame.loadDefaultSong()) {
         view.showMachineView(true);
+        app::MachinePanel& machines = *view.machinePanel();
+        // The demo part written into the generator, so that its windows have patterns to show.
+        part::Part demo;
+        if (part::PartFile::load(tonalmancer.dataFolder().file(part::PartFile::kDefaultFileName),
+                                 demo)) {
+            tonalmancer.document()->edit(QStringLiteral("Create Buzz Patterns"),
+                                         [&demo](song::BuzzSong& song) {
+                                             song::PartWriteOptions options;
+                                             options.makeSequence = true;
+                                             song::PartWriter::write(song, 1, demo, options);
+                                             return music::Result::success();
+                                         });
+        }
+        machines.selectMachine(1);
         save(frame, folder, QStringLiteral("machine-view"));
+        save(*machines.showMachineInfo(), folder, QStringLiteral("machine-info"));
+        save(*machines.showPatternInfo(), folder, QStringLiteral("pattern-info"));
+        save(*machines.showChart(false), folder, QStringLiteral("notes-chart"));
+        for (QWidget* window : std::initializer_list<QWidget*>{
+                 machines.showMachineInfo(), machines.showPatternInfo(), machines.showChart(false)})
+            window->close();
+        QMenu* machineMenu = view.contextMenu("machineView");
+        machineMenu->popup(machines.view()->mapToGlobal(QPoint(40, 40)));
+        settle();
+        save(*machineMenu, folder, QStringLiteral("machine-view-menu"));
+        machineMenu->hide();
+        // Add Machine (F4): the synths of the database whose name holds "m".
+        song::MachineDatabase database;
+        if (database.load(tonalmancer.dataFolder().root())) {
+            std::vector<std::size_t> candidates;
+            for (std::size_t i = 0; i < database.size(); ++i) {
+                if (database.entry(i).type != 0)
+                    candidates.push_back(i);
+            }
+            app::CMachineChooserDialog chooser(QStringLiteral("Add Machine"), database.entries(),
+                                               candidates, &frame);
+            chooser.setKindFilter(app::MachineListModel::Generators);
+            save(chooser, folder, QStringLiteral("add-machine-dialog"));
+        }
         view.showMachineView(false);
     }
-    app::MessageBoxes::setHandler({});
 
     // The pattern editor on the demo part's first pattern, its first chord chosen.
     part::Part demo;
@@ -212,7 +263,8 @@ int main(int argc, char* argv[])
         settings.edit(track3);
         settle();
         save(settings, folder, QStringLiteral("settings-track-octave"));
-        settings.closePersistentEditor(track3);
+        if (QWidget* editor = settings.indexWidget(track3))
+            QTest::keyClick(editor, Qt::Key_Escape); // closed without a change
         settings.setCurrentIndex({});
         QMenu* presetMenu = view.contextMenu("patternPresets");
         presetMenu->popup(view.patternPresetPanel()->viewport()->mapToGlobal(QPoint(60, 30)));
@@ -245,22 +297,34 @@ int main(int argc, char* argv[])
         // The transformation dialogs share one frame; Transpose shows it.
         app::TransposeDialog transpose(demo, part::allChords(demo), &frame);
         save(transpose, folder, QStringLiteral("transpose-dialog"));
+
+        // The keyboard panel with E, C and G chosen on it, named; then Voice Leading previewing
+        // its outcome on the panel.
+        app::KeyboardPanel& keys = *view.keyboardPanel();
+        keys.showNotes({52, 60, 67}, QStringLiteral("Chosen on the keyboard"));
+        save(frame, folder, QStringLiteral("keyboard-window"));
+        save(*view.keyboardDock(), folder, QStringLiteral("keyboard-panel"));
+        app::VoicingDialog voicing(demo, part::allChords(demo), 0, true, &frame);
+        QObject::connect(&voicing, &app::VoicingDialog::previewChanged, &keys,
+                         &app::KeyboardPanel::showNotes);
+        voicing.refresh();
+        save(voicing, folder, QStringLiteral("voicing-dialog"));
+        save(*view.keyboardDock(), folder, QStringLiteral("voicing-preview"));
+        voicing.hide();
     }
 
     // Playing on the built-in synth (into a WAV file when TONALMANCER_SYNTH_WAV names one): the
     // indicator shows, the grid follows the playing row. Then the dialogs of hearing and export.
-    // A device that cannot start here (no sound server) says so on the console, not in a box.
     if (!midi::MidiPortList::systemList()->deviceNames().empty()) {
-        app::MessageBoxes::setHandler(printMessages);
         view.midiSettings().setDeviceNumber(0);
         frame.action("part.play")->trigger();
         settle(1500);
         save(frame, folder, QStringLiteral("playing"));
         frame.action("part.stop")->trigger();
-        app::MessageBoxes::setHandler({});
     }
     app::CMidiSettingsDialog midiSettings(view.midiSettings(), view.partSession()->renderOptions(),
                                           nullptr, &frame);
+    midiSettings.setInputPorts(midi::MidiInPortList::systemList());
     save(midiSettings, folder, QStringLiteral("midi-settings-dialog"));
     app::CMidiFileDialog midiFile(view.midiSettings(), view.partSession()->renderOptions(), &frame);
     save(midiFile, folder, QStringLiteral("midi-file-dialog"));
@@ -272,6 +336,9 @@ int main(int argc, char* argv[])
     app::CAboutDialog about(&frame);
     save(about, folder, QStringLiteral("about"));
 
+    // The song got the demo part: leave without saving it.
+    app::MessageBoxes::setHandler([](QWidget*, const QString&, QMessageBox::Icon,
+                                     QMessageBox::StandardButtons) { return QMessageBox::No; });
     frame.close();
     return 0;
 }

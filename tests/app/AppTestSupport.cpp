@@ -15,6 +15,7 @@ MessageRecorder::MessageRecorder()
     app::MessageBoxes::setHandler([this](QWidget*, const QString& text, QMessageBox::Icon,
                                          QMessageBox::StandardButtons buttons) {
         m_texts << text;
+        m_captions << app::MessageBoxes::currentCaption();
         if (!buttons.testFlag(QMessageBox::Yes) && !buttons.testFlag(QMessageBox::Cancel))
             return QMessageBox::Ok;
         if (m_answers.empty())

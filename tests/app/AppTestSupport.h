@@ -69,10 +69,17 @@ public:
     /** The answer to the next box that offers a choice (Yes when none is queued). */
     void queueAnswer(QMessageBox::StandardButton answer) { m_answers.push_back(answer); }
     const QStringList& texts() const { return m_texts; }
-    void clear() { m_texts.clear(); }
+    /** The caption of each box, in the same order as texts(). */
+    const QStringList& captions() const { return m_captions; }
+    void clear()
+    {
+        m_texts.clear();
+        m_captions.clear();
+    }
 
 private:
     QStringList m_texts;
+    QStringList m_captions;
     std::deque<QMessageBox::StandardButton> m_answers;
 };
 

@@ -2,6 +2,8 @@
 // compared with lists written out here from the documented menus.
 #include "AppTestSupport.h"
 
+#include "app/MachinePanel.h"
+
 #include <QAction>
 #include <QMenu>
 #include <QStackedWidget>
@@ -16,7 +18,8 @@ const std::pair<const char*, QStringList> kExpectedMenus[] = {
         "View > Synths\tAlt+3", "View > Samplers\tAlt+4", "View > All\tAlt+5",
         "Info > Notes Chart", "Info > Waves Chart", "Info > Machine Info\tCtrl+I",
         "Info > Pattern Info\tCtrl+P", "Transform > Transpose", "Transform > Invert",
-        "Edit > Remove\tDel", "Edit > Rename\tCtrl+R", "Edit > Copy\tCtrl+C", "Edit > Clone",
+        "Edit > Remove\tDel", "Edit > Rename\tCtrl+R", "Edit > Copy\tCtrl+C",
+        "Edit > Paste\tCtrl+V", "Edit > Clone",
         "Edit > Replace", "Clean > Remove Empty Sequences", "Clean > Remove Unused Patterns",
         "New\tF4", "Select All\tCtrl+A"}},
     {"chordTree", {"Base Group > Add Base", "Base Group > Remove\tDel",
@@ -36,7 +39,7 @@ const std::pair<const char*, QStringList> kExpectedMenus[] = {
         "Sort > By Name > Downwards", "Sort > By Notes > Upwards", "Sort > By Notes > Downwards",
         "Normalize > All", "Normalize > Selected", "Normalize > Invert",
         "Transform > Transpose", "Transform > Mirror", "Transform > Note Limits",
-        "Remove Double", "Find Scale",
+        "Transform > Voicing", "Transform > Voice Leading", "Remove Double", "Find Scale",
         "Print List\tCtrl+P", "Undo\tCtrl+Z"}},
     {"patternList", {"New\tCtrl+Return", "Rename", "Create Copy\tCtrl+Shift+Return",
         "Remove\tCtrl+Shift+Del", "Clear List", "Add Pattern To Presets",
@@ -105,7 +108,7 @@ TEST_F(ContextMenus, ItemsOfMenuBarCommandsFollowTheirEnabledState)
     EXPECT_FALSE(item->isEnabled());
     frame().action("view.showBmx")->setEnabled(true);
     item->trigger();
-    EXPECT_EQ(view().sideStack()->currentWidget(), static_cast<QWidget*>(view().machineList()));
+    EXPECT_EQ(view().sideStack()->currentWidget(), static_cast<QWidget*>(view().machinePanel()));
 }
 
 TEST_F(ContextMenus, MachineViewFilterIsKeptInTheSettings)

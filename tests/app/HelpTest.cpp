@@ -5,8 +5,10 @@
 #include "app/CFindDialog.h"
 #include "app/CTreeCtrlX.h"
 #include "app/HelpRouter.h"
+#include "app/MachinePanel.h"
+#include "app/MachineTreeView.h"
 #include "app/MathWindow.h"
-#include "app/MathWindow.h"
+#include "app/PatternInfoWindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -15,6 +17,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QScrollBar>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
@@ -230,14 +233,17 @@ TEST_F(HelpInTheWindow, F1OpensTheTopicOfTheWindowOrRegionInUse)
     app::CFindDialog find(QStringLiteral("Find chord"),
                           chords().menuCommands().chordSearch().includeHistory(),
                           chords().menuCommands().chordSearch().skipHistory(), &frame());
+    view().showMachineView(true);
     const std::pair<QWidget*, const char*> cases[] = {
         {chords().tree(), "topic-3"},
         {view().regions().partList, "topic-1"},
         {find.includeBox(), "topic-6"},
         {view().mathWindow()->textEdit(), "topic-11"},
-        {view().regions().patternList, "topic-12"},
-        {view().regions().partSettings, "topic-13"},
-        {view().regions().patternPresets, "topic-14"},
+        {view().machinePanel()->view(), "topic-12"},
+        {view().machinePanel()->showPatternInfo()->table(), "topic-12"},
+        {view().regions().patternList, "topic-13"},
+        {view().regions().partSettings, "topic-14"},
+        {view().regions().patternPresets, "topic-15"},
     };
     for (const auto& [widget, topic] : cases) {
         SCOPED_TRACE(topic);
@@ -251,6 +257,7 @@ TEST_F(HelpInTheWindow, F1OpensTheTopicOfTheWindowOrRegionInUse)
     }
     find.hide();
     view().mathWindow()->hide();
+    view().machinePanel()->showPatternInfo()->hide();
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 #include "app/CMidiSettingsDialog.h"
 #include "app/CPartWriteDialog.h"
 #include "app/CTempoBar.h"
+#include "app/MachineListModel.h"
+#include "app/MachinePanel.h"
 #include "app/NoteRuleBox.h"
 #include "app/PartExportCommands.h"
 #include "app/PartListModel.h"
@@ -23,6 +25,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QMimeData>
 #include <QProcess>
 #include <QPushButton>
@@ -184,8 +187,19 @@ TEST_F(PartExport, CreateMidiFileWritesWhatTheCommandLineWritesForTheSameOptions
         bool limit;
         QStringList cliOptions;
         int velocityAfter;
+        bool markers = false;
     };
     const Case cases[] = {
+        {"chord names as markers",
+         {0, 1},
+         1,
+         4,
+         false,
+         part::IndexOption::ExtendChord,
+         false,
+         {"--channel", "1", "--velocity", "80", "--range", "0,1", "--markers"},
+         80,
+         true},
         {"range, tempo and note rules",
          {1, 2, 3},
          3,
@@ -212,12 +226,13 @@ TEST_F(PartExport, CreateMidiFileWritesWhatTheCommandLineWritesForTheSameOptions
         suggested = start;
         return path;
     });
+    bool markersBefore = false; // the markers choice is remembered from the last OK
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         session().setSelectedChords(c.selected);
         bool seen = false;
         onDialog<app::CMidiFileDialog>(
-            [&c](app::CMidiFileDialog& dialog) {
+            [&c, markersBefore](app::CMidiFileDialog& dialog) {
                 EXPECT_EQ(dialog.velocityBox()->toolTip(), QStringLiteral("The notes velocity."));
                 dialog.channelBox()->setValue(c.channel + 1);
                 dialog.velocityBox()->setCurrentIndex(c.velocityIndex);
@@ -226,6 +241,8 @@ TEST_F(PartExport, CreateMidiFileWritesWhatTheCommandLineWritesForTheSameOptions
                 dialog.noteRules()->limitBox()->setChecked(c.limit);
                 dialog.noteRules()->limitNoteBox()->setCurrentIndex(9);
                 dialog.noteRules()->limitOctaveBox()->setValue(5);
+                EXPECT_EQ(dialog.markersBox()->isChecked(), markersBefore);
+                dialog.markersBox()->setChecked(c.markers);
                 dialog.accept();
             },
             seen);
@@ -237,24 +254,42 @@ TEST_F(PartExport, CreateMidiFileWritesWhatTheCommandLineWritesForTheSameOptions
         EXPECT_TRUE(suggested.startsWith(m_data.path())) << suggested.toStdString();
         EXPECT_EQ(view().midiSettings().velocity(), c.velocityAfter);
 
-        const QString expected = file(QStringLiteral("cli.mid"));
+        // Same file name: with markers, the file's name names a part that has none.
+        QDir(m_out.path()).mkpath(QStringLiteral("cli"));
+        const QString expected = file(QStringLiteral("cli/gui.mid"));
         cli(QStringList{QStringLiteral("midi"), QStringLiteral("--part"), savedPart(),
                         QStringLiteral("-o"), expected, QStringLiteral("--bpm"),
                         QStringLiteral("140"), QStringLiteral("--tpb"), QStringLiteral("4"),
                         QStringLiteral("--seed"), QStringLiteral("11")} +
             c.cliOptions);
         EXPECT_EQ(bytes(path), bytes(expected));
+        const std::string name = session().part().chord(1).name;
+        const std::string marker =
+            std::string("\xFF\x06") + static_cast<char>(name.size()) + name; // meta event 6
+        const bool named = bytes(path).find(marker) != std::string::npos;
+        EXPECT_EQ(named, c.markers) << "the names are in the file exactly with the option";
+        markersBefore = c.markers;
     }
 
-    // Cancelled in the options dialog: nothing is written or said.
+    // Cancelled in the options dialog: nothing is written or said; the markers choice of the
+    // last confirmed dialog is offered again.
     QFile::remove(path);
     m_messages.clear();
     bool seen = false;
-    onDialog<app::CMidiFileDialog>([](app::CMidiFileDialog& dialog) { dialog.reject(); }, seen);
+    bool markersOffered = false;
+    onDialog<app::CMidiFileDialog>(
+        [&markersOffered](app::CMidiFileDialog& dialog) {
+            markersOffered = dialog.markersBox()->isChecked();
+            dialog.markersBox()->setChecked(true);
+            dialog.reject();
+        },
+        seen);
     frame().action("part.createMidiFile")->trigger();
     EXPECT_TRUE(seen);
     EXPECT_FALSE(QFile::exists(path));
     EXPECT_TRUE(m_messages.texts().isEmpty());
+    EXPECT_FALSE(markersOffered);
+    EXPECT_FALSE(view().partExports()->writesChordNames()) << "a cancelled dialog changes nothing";
 }
 
 TEST_F(PartExport, ThePartDraggedOutOfThePartListIsTheMidiFileCreateMidiFileWrites)
@@ -290,15 +325,16 @@ protected:
     }
     void selectMachine(const QString& name)
     {
-        QTreeWidget* machines = view().machineList();
-        machines->clearSelection();
-        for (QTreeWidgetItem* item : machines->findItems(name, Qt::MatchExactly))
-            item->setSelected(true);
+        app::MachinePanel& machines = *view().machinePanel();
+        machines.selectNames(name.isEmpty() ? std::vector<std::string>{}
+                                            : std::vector<std::string>{name.toStdString()});
     }
     QString patternCount(const QString& machine)
     {
-        const auto items = view().machineList()->findItems(machine, Qt::MatchExactly);
-        return items.isEmpty() ? QString() : items.constFirst()->text(2);
+        const app::MachineListModel& model = *view().machinePanel()->model();
+        const int row = model.rowOfName(machine.toStdString());
+        return row < 0 ? QString()
+                       : model.index(row, app::MachineListModel::PatternsColumn).data().toString();
     }
 };
 

@@ -81,7 +81,8 @@ TEST_F(MachineScan, FullScanWritesGeneratorsThenEffectsAndSkipsWhatItCannotRead)
     ASSERT_TRUE(MachineScanner::scanGearDirectory(m_data, gear, report).ok());
     EXPECT_EQ(report.added,
               (std::vector<std::string>{"TestGen32O2", "TestGen64O0", "TestFx32O2", "TestFx64O0"}));
-    EXPECT_EQ(report.skipped.size(), 2u);
+    EXPECT_EQ(report.skipped, std::vector<fs::path>{gear / "Generators" / "readme.dll"});
+    EXPECT_EQ(report.refused, std::vector<fs::path>{gear / "Generators" / "NoGetInfo.dll"});
 
     const std::string text = database();
     EXPECT_TRUE(text.starts_with("7\n")); // 3 + four DLLs
@@ -102,6 +103,46 @@ TEST_F(MachineScan, FullScanWritesGeneratorsThenEffectsAndSkipsWhatItCannotRead)
                            "Odd\n1\ng\n7\n255\n1\n";
     EXPECT_NE(text.find(fx), std::string::npos);
     EXPECT_EQ(text.find("ENDOFFILE"), std::string::npos);
+}
+
+TEST_F(MachineScan, ProgressCountsEveryDllAndACancelLeavesTheFileAlone)
+{
+    REQUIRE_TEST_DLLS();
+    const std::string before = builtInFile(3) + "unchanged\n";
+    ASSERT_TRUE(music::writeFileSafely(m_data / "machines.ini", before));
+    // The test gear holds eight DLLs: progress runs 0..7 before each, then 8 before writing.
+    struct Case
+    {
+        const char* what;
+        std::size_t cancelAt; // the call that answers false; 99: none
+        std::size_t calls;
+        std::size_t added;
+        bool written;
+    };
+    const Case cases[] = {
+        {"cancelled at once", 0, 1, 0, false},
+        {"cancelled after three DLLs", 3, 4, 3, false},
+        {"cancelled just before writing", 8, 9, 8, false},
+        {"not cancelled", 99, 9, 8, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::vector<std::size_t> done;
+        song::GearScanReport report;
+        const auto progress = [&](std::size_t d, std::size_t total, const fs::path& next) {
+            EXPECT_EQ(total, 8u);
+            EXPECT_EQ(next.empty(), d == total);
+            done.push_back(d);
+            return d != c.cancelAt;
+        };
+        ASSERT_TRUE(MachineScanner::scanGearDirectory(m_data, testGear(), report, progress).ok());
+        EXPECT_EQ(done.size(), c.calls);
+        EXPECT_EQ(done.back(), std::min<std::size_t>(c.cancelAt, 8));
+        EXPECT_EQ(report.added.size(), c.added);
+        EXPECT_EQ(report.cancelled, !c.written);
+        EXPECT_EQ(database() == before, !c.written);
+        EXPECT_FALSE(fs::exists(m_data / "tmpmach.nam"));
+    }
 }
 
 TEST_F(MachineScan, SingleScanCreatesTheFileWithTheNewEntryFirst)
