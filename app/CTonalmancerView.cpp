@@ -36,14 +36,11 @@
 
 #include <QAction>
 #include <QDockWidget>
-#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
-#include <QTableWidget>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -343,21 +340,6 @@ void CTonalmancerView::openMidiInput(bool reportFailure)
 }
 
 // ---- menus and command routing ---------------------------------------------------------------
-
-void CTonalmancerView::attachContextMenu(std::string_view name, QWidget* widget)
-{
-    QMenu* menu = ActionFactory::buildContextMenu(
-        name, widget, [this](std::string_view id) { return m_frame.action(id); });
-    menu->setAccessibleName(tr("%1 commands").arg(widget->accessibleName()));
-    registerContextMenu(name, menu);
-    widget->setContextMenuPolicy(Qt::CustomContextMenu);
-    auto* area = qobject_cast<QAbstractScrollArea*>(widget);
-    connect(widget, &QWidget::customContextMenuRequested, this,
-            [menu, widget, area](const QPoint& point) {
-                const QWidget* origin = area != nullptr ? area->viewport() : widget;
-                menu->popup(origin->mapToGlobal(point));
-            });
-}
 
 void CTonalmancerView::registerContextMenu(std::string_view name, QMenu* menu)
 {

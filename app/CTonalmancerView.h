@@ -147,8 +147,7 @@ public:
     void showMachineView(bool machines);
 
 private:
-    // One factory point per region: each returns the region's widget, ready to be laid out. The
-    // regions still without a panel class are placeholders with the table's context menu.
+    // One factory point per region: each returns the region's widget, ready to be laid out.
     QWidget* createChordDatabasePanel();
     QWidget* createPartListPanel();
     QWidget* createPatternListPanel();
@@ -163,8 +162,6 @@ private:
     void openMidiInput(bool reportFailure);
 
     void layOut(const Regions& regions);
-    /** Gives a placeholder the context menu `name` of the command table. */
-    void attachContextMenu(std::string_view name, QWidget* widget);
     void connectCommands();
     void connectTempoBar();
 
