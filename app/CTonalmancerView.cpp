@@ -287,6 +287,10 @@ void CTonalmancerView::layOut(const Regions& regions)
     side->addWidget(titled(tr("&Settings / Song"), m_sideStack, side));
     side->addWidget(titled(tr("Part p&resets"), regions.partPresets, side));
     side->addWidget(titled(tr("Pattern pre&sets"), regions.patternPresets, side));
+    // The settings keep the height that shows them all; the preset lists share the rest.
+    side->setStretchFactor(0, 0);
+    side->setStretchFactor(1, 1);
+    side->setStretchFactor(2, 1);
 
     auto* main = createSplitter(Qt::Horizontal, QStringLiteral("main"), this);
     main->addWidget(titled(tr("&Chord database"), regions.chordDatabase, main));

@@ -8,6 +8,8 @@
 #include <QKeyEvent>
 #include <QMenu>
 
+#include <algorithm>
+
 namespace app {
 
 PartSettingsPanel::PartSettingsPanel(PartSession& session,
@@ -61,6 +63,14 @@ void PartSettingsPanel::resetSettings()
     m_session.setBaseWave(fresh.baseWave());
     m_session.setDefaultOctave(fresh.defaultOctave());
     m_session.setDefaultLength(fresh.defaultLength());
+}
+
+QSize PartSettingsPanel::sizeHint() const
+{
+    const int row = std::max(sizeHintForRow(0), fontMetrics().height());
+    const int height =
+        header()->sizeHint().height() + PartSettingsModel::RowCount * row + 2 * frameWidth();
+    return {QTreeView::sizeHint().width(), height};
 }
 
 bool PartSettingsPanel::event(QEvent* event)

@@ -37,6 +37,9 @@ public:
      */
     void resetSettings();
 
+    /** Tall enough to show every setting without scrolling. */
+    QSize sizeHint() const override;
+
 protected:
     /** F2 edits here, as in the chord database, instead of opening the type manager. */
     bool event(QEvent* event) override;
