@@ -2,10 +2,11 @@
 
 #include "app/AppIcons.h"
 #include "app/CMainFrame.h"
-#include "app/ChordDatabaseCommands.h"
-#include "app/ChordDatabasePanel.h"
 #include "app/CTonalmancerDoc.h"
 #include "app/CTonalmancerView.h"
+#include "app/ChordDatabaseCommands.h"
+#include "app/ChordDatabasePanel.h"
+#include "app/FirstPaintProbe.h"
 #include "app/MessageBoxes.h"
 #include "midi/SystemMidiPortList.h"
 
@@ -76,6 +77,7 @@ bool CTonalmancerApp::start(const QStringList& arguments, bool show)
     openFromCommandLine(line);
 
     m_frame->restoreWindowState();
+    FirstPaintProbe::installIfAsked(*m_frame);
     if (show)
         m_frame->showMaximized();
     return true;

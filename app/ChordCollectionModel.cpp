@@ -81,10 +81,7 @@ ChordCollectionModel::ChordCollectionModel(const music::ChordCollection& collect
                                            QObject* parent)
     : QAbstractItemModel(parent), m_collection(collection), m_shown(collection)
 {
-    const auto& groups = m_shown.baseGroups();
-    for (std::size_t row = 0; row < groups.size(); ++row)
-        m_root.children.push_back(buildNode(&m_root, groups[row]));
-    renumber(m_root, 0);
+    populated(m_root);
 }
 
 ChordCollectionModel::~ChordCollectionModel() = default;
@@ -141,8 +138,12 @@ void ChordCollectionModel::syncItem(Node& parent, int row, Item& shown, const It
     Node* node = parent.children[static_cast<std::size_t>(row)].get();
     if (copyOwn(shown, target))
         Q_EMIT dataChanged(createIndex(row, 0, node), createIndex(row, 1, node));
-    if constexpr (kHasChildren<Item>)
-        syncList(*node, childrenOf(shown), childrenOf(target));
+    if constexpr (kHasChildren<Item>) {
+        if (node->populated)
+            syncList(*node, childrenOf(shown), childrenOf(target));
+        else
+            childrenOf(shown) = childrenOf(target); // never asked for: no view to tell
+    }
 }
 
 template <typename Item>
@@ -162,23 +163,54 @@ void ChordCollectionModel::insertRows(Node& parent, std::vector<Item>& shown, in
     beginInsertRows(indexOf(&parent), at, at + count - 1);
     shown.insert(shown.begin() + at, from, from + count);
     for (int i = 0; i < count; ++i)
-        parent.children.insert(parent.children.begin() + at + i, buildNode(&parent, *(from + i)));
+        parent.children.insert(parent.children.begin() + at + i, buildNode(&parent));
     renumber(parent, at);
     endInsertRows();
 }
 
-template <typename Item>
-std::unique_ptr<ChordCollectionModel::Node> ChordCollectionModel::buildNode(Node* parent,
-                                                                            const Item& item)
+std::unique_ptr<ChordCollectionModel::Node> ChordCollectionModel::buildNode(Node* parent)
 {
     auto node = std::make_unique<Node>();
-    node->parent = parent;
-    if constexpr (kHasChildren<Item>) {
-        for (const auto& child : childrenOf(item))
-            node->children.push_back(buildNode(node.get(), child));
-        renumber(*node, 0);
-    }
+    node->parent = parent; // its own children come when they are asked for
     return node;
+}
+
+std::size_t ChordCollectionModel::shownChildCount(const Node& node) const
+{
+    const music::TreePosition p = position(node.parent == nullptr ? QModelIndex() : indexOf(&node));
+    const auto& groups = m_shown.baseGroups();
+    switch (depth(&node)) {
+    case 0:
+        return groups.size();
+    case 1:
+        return groups[static_cast<std::size_t>(p.baseGroup)].sections.size();
+    case 2:
+        return groups[static_cast<std::size_t>(p.baseGroup)]
+            .sections[static_cast<std::size_t>(p.section)]
+            .subsections.size();
+    case 3:
+        return groups[static_cast<std::size_t>(p.baseGroup)]
+            .sections[static_cast<std::size_t>(p.section)]
+            .subsections[static_cast<std::size_t>(p.subsection)]
+            .chords.size();
+    default:
+        return 0; // a chord
+    }
+}
+
+ChordCollectionModel::Node& ChordCollectionModel::populated(const Node& node) const
+{
+    auto& mutableNode = const_cast<Node&>(node);
+    if (!mutableNode.populated) {
+        // No signals: the views learn about these rows from this very answer.
+        const std::size_t count = shownChildCount(node);
+        mutableNode.children.reserve(count);
+        for (std::size_t row = 0; row < count; ++row)
+            mutableNode.children.push_back(buildNode(&mutableNode));
+        renumber(mutableNode, 0);
+        mutableNode.populated = true;
+    }
+    return mutableNode;
 }
 
 void ChordCollectionModel::renumber(Node& parent, int from)
@@ -243,9 +275,10 @@ QModelIndex ChordCollectionModel::index(const music::TreePosition& p, int column
     const Node* node = &m_root;
     for (int level = 0; level < levels; ++level) {
         const int row = rows[level];
-        if (row < 0 || static_cast<std::size_t>(row) >= node->children.size())
+        const Node& parent = populated(*node);
+        if (row < 0 || static_cast<std::size_t>(row) >= parent.children.size())
             return {};
-        node = node->children[static_cast<std::size_t>(row)].get();
+        node = parent.children[static_cast<std::size_t>(row)].get();
     }
     return createIndex(node->row, column, node);
 }
@@ -254,7 +287,7 @@ QModelIndex ChordCollectionModel::index(int row, int column, const QModelIndex& 
 {
     if (!hasIndex(row, column, parent))
         return {};
-    const Node* node = nodeOf(parent)->children[static_cast<std::size_t>(row)].get();
+    const Node* node = populated(*nodeOf(parent)).children[static_cast<std::size_t>(row)].get();
     return createIndex(row, column, node);
 }
 
@@ -269,7 +302,7 @@ int ChordCollectionModel::rowCount(const QModelIndex& parent) const
 {
     if (parent.isValid() && parent.column() != 0)
         return 0;
-    return static_cast<int>(nodeOf(parent)->children.size());
+    return static_cast<int>(populated(*nodeOf(parent)).children.size());
 }
 
 int ChordCollectionModel::columnCount(const QModelIndex&) const

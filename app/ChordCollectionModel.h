@@ -22,6 +22,11 @@ namespace app {
  * points at its node, so an index names the same item for as long as the item is shown.
  * `refresh` compares the copy with the collection and tells the views only what changed (rows
  * removed, inserted or changed), so that open folders and the selection survive an edit.
+ *
+ * Nodes are made on demand: an item's children get theirs the first time a view asks about them
+ * (rowCount, index), so a database of thousands of chords costs only its visible rows at
+ * start-up. Below an item whose children were never asked for, `refresh` updates the copy
+ * without signals, since no view knows anything there.
  */
 class ChordCollectionModel : public QAbstractItemModel
 {
@@ -78,10 +83,15 @@ private:
     {
         Node* parent = nullptr;
         int row = 0;
+        bool populated = false; // children made (they mirror the item's children)
         std::vector<std::unique_ptr<Node>> children;
     };
 
     Node* nodeOf(const QModelIndex& index) const;
+    /** Makes the node's children when nobody has asked for them yet; logically const. */
+    Node& populated(const Node& node) const;
+    /** How many children the item of `node` has in the shown copy. */
+    std::size_t shownChildCount(const Node& node) const;
     QModelIndex indexOf(const Node* node) const;
     static int depth(const Node* node);
     static int depth(const music::TreePosition& position);
@@ -96,7 +106,7 @@ private:
     template <typename Item>
     void insertRows(Node& parent, std::vector<Item>& shown, int at,
                     typename std::vector<Item>::const_iterator from, int count);
-    template <typename Item> static std::unique_ptr<Node> buildNode(Node* parent, const Item& item);
+    static std::unique_ptr<Node> buildNode(Node* parent);
     static void renumber(Node& parent, int from);
 
     const music::ChordCollection& m_collection;

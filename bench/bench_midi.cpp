@@ -1,8 +1,10 @@
-// Writing the MIDI file of a 1,000-chord part, against writing the same number of bytes with a
-// plain buffered write. The ratio "export / plain" is what to watch: the export renders every
-// row through the step engine, encodes the events and saves through the safe writer (temporary
-// file, fsync, rename), so it is compared both with a plain write and with a plain write that
-// also syncs and renames.
+// Writing the MIDI file of a 1,000-chord part (144 KB), against writing the same number of bytes
+// with a plain buffered write. Two ratios are worth watching:
+// - the file writer, "save / plain": the built file (events already encoded into its tracks'
+//   bytes) saved through the safe writer (temporary file, fsync, rename); target at most 3x;
+// - the whole command, "export / plain": rendering all 16,000 rows through the step engine,
+//   encoding and saving.
+// Both are also shown against a plain write that syncs and renames as the safe writer does.
 #include "midi/MidiFile.h"
 #include "midi/MidiFileExporter.h"
 #include "music/RandomSource.h"
@@ -96,6 +98,19 @@ void BM_BuildMidiFileInMemory(benchmark::State& state)
     }
 }
 
+void BM_SaveBuiltMidiFile(benchmark::State& state)
+{
+    music::RandomSource::seed(1);
+    midi::MidiFile file;
+    midi::MidiFileExporter(exportOptions()).build(thousandChordPart(), file);
+    const auto path = benchFile("tm-bench-save.mid");
+    for (auto _ : state) {
+        if (!file.save(path).ok())
+            state.SkipWithError("the save failed");
+    }
+    std::filesystem::remove(path);
+}
+
 void plainWrite(benchmark::State& state, bool syncAndRename)
 {
     const std::vector<char> bytes(exportedSize(), 'x');
@@ -135,6 +150,7 @@ void BM_PlainWriteSyncedAndRenamed(benchmark::State& state)
 
 BENCHMARK(BM_ExportMidiFile)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BuildMidiFileInMemory)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SaveBuiltMidiFile)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainBufferedWrite)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_PlainWriteSyncedAndRenamed)->Unit(benchmark::kMillisecond);
 

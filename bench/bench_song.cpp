@@ -5,9 +5,14 @@
 //   bench_song --make-song FILE         writes the benchmark's song to FILE
 //   bench_song --read-write IN OUT      reads IN and writes it to OUT once, then prints the peak
 //                                       resident memory (for comparing with the file size)
+//
+// BM_SongCopyPeakMemory runs the command-line program's song-copy on the song (a data folder of
+// its own describes the two machines) and reports its peak resident memory beside the file size;
+// the goal is at most 2 x the file size + 20 MB.
 
 #include "music/FileBytes.h"
 #include "music/SafeFileWriter.h"
+#include "song/MachineDatabase.h"
 #include "song/MemoryMachineCatalog.h"
 #include "song/SongReader.h"
 #include "song/SongWriter.h"
@@ -22,6 +27,8 @@
 
 #ifndef _WIN32
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #endif
 
 namespace {
@@ -195,6 +202,51 @@ void BM_ReadAndWriteSong(benchmark::State& state)
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * fs::file_size(in)));
 }
+
+#ifndef _WIN32
+/** Runs the command-line program's song-copy on the song; its peak resident memory. */
+void BM_SongCopyPeakMemory(benchmark::State& state)
+{
+    const fs::path cli = fs::path(TM_BENCH_BIN_DIR) / "tonalmancer-cli";
+    if (!fs::exists(cli)) {
+        state.SkipWithError("tonalmancer-cli is not built");
+        return;
+    }
+    const fs::path data = fs::temp_directory_path() / "tm-bench-song-data";
+    fs::create_directories(data);
+    std::ofstream(data / "machines.ini", std::ios::binary)
+        << "2\n"
+        << song::MachineDatabase::formatEntry(masterEntry())
+        << song::MachineDatabase::formatEntry(generatorEntry());
+    const std::string in = songFile().string();
+    const std::string out = outputFile().string();
+    const std::string dataArgument = data.string();
+    double peakMb = 0;
+    for (auto _ : state) {
+        const pid_t child = fork();
+        if (child == 0) {
+            std::freopen("/dev/null", "w", stdout);
+            execl(cli.c_str(), "tonalmancer-cli", "song-copy", in.c_str(), out.c_str(), "--data",
+                  dataArgument.c_str(), static_cast<char*>(nullptr));
+            _exit(127);
+        }
+        int status = 0;
+        rusage usage{};
+        wait4(child, &status, 0, &usage);
+        if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+            state.SkipWithError("song-copy failed");
+            break;
+        }
+        peakMb = static_cast<double>(usage.ru_maxrss) / 1024.0;
+    }
+    const double fileMb = static_cast<double>(fs::file_size(songFile())) / 1048576.0;
+    state.counters["file_mb"] = fileMb;
+    state.counters["peak_resident_mb"] = peakMb;
+    state.counters["limit_mb"] = 2 * fileMb + 20;
+    fs::remove_all(data);
+}
+BENCHMARK(BM_SongCopyPeakMemory)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+#endif
 
 BENCHMARK(BM_CopyFile)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CopyFileSafely)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -31,7 +31,9 @@ bool CMIDIOutDevice::open(unsigned deviceNumber)
     {
         const std::lock_guard<std::mutex> lock(m_queueMutex);
         m_workerError.clear();
+        m_workerFailed = false;
     }
+    m_lookaheadNs = port->lookaheadNs();
     m_port = std::move(port);
     m_state = kOpened;
     m_worker = std::thread([this] { runWorker(); });
@@ -51,25 +53,33 @@ void CMIDIOutDevice::close()
         m_queue.clear();
     }
     const std::lock_guard<std::mutex> lock(m_portMutex);
-    m_port.reset();
+    m_port.reset(); // a port with a lookahead delivers what it holds at once before it closes
+    m_lookaheadNs = 0;
 }
 
-void CMIDIOutDevice::send(std::uint32_t packedMessage)
+void CMIDIOutDevice::send(std::uint32_t packedMessage, std::int64_t dueNs)
 {
     if (m_state.load() != kOpened)
         return;
-    {
+    if (m_workerFailed.load()) {
         std::lock_guard<std::mutex> lock(m_queueMutex);
-        if (!m_workerError.empty()) {
-            const std::string error = std::move(m_workerError);
-            m_workerError.clear();
-            throw CMIDIOutException(error);
-        }
+        const std::string error = std::move(m_workerError);
+        m_workerError.clear();
+        m_workerFailed = false;
+        throw CMIDIOutException(error);
     }
     const auto status = static_cast<std::uint8_t>(packedMessage & 0xFF);
     if (status < 0x80 || status == 0xFF)
         return;
-    sendToPort(ShortMessage::wireBytes(packedMessage));
+    const ShortMessage::Wire wire = ShortMessage::wire(packedMessage);
+    if (m_lookaheadNs > 0) {
+        // The port takes short messages beside the worker's long ones without a lock.
+        m_port->sendShort(wire.bytes.data(), wire.size, dueNs);
+        return;
+    }
+    const std::lock_guard<std::mutex> lock(m_portMutex);
+    if (m_port)
+        m_port->sendShort(wire.bytes.data(), wire.size, dueNs);
 }
 
 void CMIDIOutDevice::sendLong(std::vector<std::uint8_t> bytes)
@@ -129,6 +139,7 @@ void CMIDIOutDevice::runWorker()
                 const std::lock_guard<std::mutex> lock(m_queueMutex);
                 if (m_workerError.empty())
                     m_workerError = error.what();
+                m_workerFailed = true;
             }
             if (m_state.load() != kOpened)
                 break;

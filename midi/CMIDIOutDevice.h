@@ -27,8 +27,12 @@ namespace midi {
  * Reset, and the program uses 0xFF 0x01 port as its port-selection message, which only the
  * driver of the original platform understood. Messages without a status byte are dropped too.
  *
- * open, close, send and sendLong are called from one thread (the one that owns the device); the
- * worker is the only other thread.
+ * open, close and sendLong are called from the thread that owns the device; send from it or
+ * from a playback thread it hands sending over to, and from both at once only for a port without
+ * a lookahead (the port lock orders them). Sending a short message to a port with a lookahead
+ * (native JACK) takes no lock and allocates nothing, so a real-time playback thread may call it;
+ * such a port takes short messages from one thread at a time. The worker is the only other
+ * thread.
  */
 class CMIDIOutDevice
 {
@@ -60,9 +64,15 @@ public:
     /**
      * Sends a packed short message (see ShortMessage::pack); nothing when closed. Throws
      * CMIDIOutException with the system's error text when the port fails, or when a long message
-     * sent by the worker since the last call failed.
+     * sent by the worker since the last call failed. `dueNs` (steady_clock nanoseconds) is when
+     * the message should sound; only a port with a lookahead uses it, the others send at once.
      */
-    void send(std::uint32_t packedMessage);
+    void send(std::uint32_t packedMessage, std::int64_t dueNs = MidiOutPort::kNow);
+    /**
+     * How long before its due time the opened port needs a message (0 when closed or for a port
+     * that sends at once). A player sends that much ahead so that every event lands on time.
+     */
+    std::int64_t lookaheadNs() const { return m_lookaheadNs; }
     /** Queues a complete system-exclusive message (F0 ... F7) for the worker; nothing when closed.
      */
     void sendLong(std::vector<std::uint8_t> bytes);
@@ -86,7 +96,9 @@ private:
     std::thread m_worker;
     std::mutex m_queueMutex; // guards m_queue and m_workerError
     std::deque<std::vector<std::uint8_t>> m_queue;
-    std::string m_workerError; // a failed long message, reported by the next send
+    std::string m_workerError;               // a failed long message, reported by the next send
+    std::atomic<bool> m_workerFailed{false}; // m_workerError is set: send looks without the lock
+    std::int64_t m_lookaheadNs = 0;          // of the opened port
     std::atomic<int> m_state{kClosed};
 };
 

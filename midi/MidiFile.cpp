@@ -34,8 +34,7 @@ std::array<std::uint8_t, 8> chunkHeader(std::uint32_t id, std::uint32_t length)
 }
 
 /** Writes one track chunk, patching its length in by seeking back to the chunk header. */
-bool writeTrack(music::SafeFileWriter& out, const MidiTrack& track,
-                std::vector<std::uint8_t>& buffer)
+bool writeTrack(music::SafeFileWriter& out, const MidiTrack& track)
 {
     const std::uint64_t chunkStart = out.tell();
     const auto placeholder = chunkHeader(MidiTrack::kChunkId, 0);
@@ -43,9 +42,7 @@ bool writeTrack(music::SafeFileWriter& out, const MidiTrack& track,
         return false;
     const std::uint64_t firstEvent = out.tell();
 
-    buffer.clear();
-    track.appendEventsTo(buffer);
-    if (!out.write(buffer.data(), buffer.size()))
+    if (!out.write(track.bytes().data(), track.bytes().size()))
         return false;
     const std::uint64_t end = out.tell();
 
@@ -62,21 +59,31 @@ void MidiFile::addTrack()
     ++m_trackCount;
 }
 
-void MidiFile::addEvent(MidiEvent event)
+void MidiFile::addEvent(const MidiEvent& event)
 {
     if (m_tracks.empty())
         return;
-    m_tracks.back().addEvent(std::move(event));
+    m_tracks.back().addEvent(event);
 }
 
 void MidiFile::addNoteOn(std::uint32_t delta, std::uint32_t packedMessage)
 {
-    addEvent(MidiEvent::noteOn(delta, packedMessage));
+    // The status and data bytes as MidiEvent::noteOn makes them, without the event object.
+    if (m_tracks.empty())
+        return;
+    m_tracks.back().addChannelEvent(delta, static_cast<std::uint8_t>((packedMessage & 0xFF) - 0x70),
+                                    static_cast<std::uint8_t>(packedMessage >> 8),
+                                    static_cast<std::uint8_t>(packedMessage >> 16));
 }
 
 void MidiFile::addNoteOff(std::uint32_t delta, std::uint32_t packedMessage)
 {
-    addEvent(MidiEvent::noteOff(delta, packedMessage));
+    if (m_tracks.empty())
+        return;
+    m_tracks.back().addChannelEvent(
+        delta, static_cast<std::uint8_t>((packedMessage & 0xFF) + MidiEvent::kNoteOff),
+        static_cast<std::uint8_t>(packedMessage >> 8),
+        static_cast<std::uint8_t>(packedMessage >> 16));
 }
 
 void MidiFile::addTempo(std::uint32_t microsecondsPerQuarter, std::uint32_t delta)
@@ -118,15 +125,17 @@ std::array<std::uint8_t, MidiFile::kHeaderSize> MidiFile::headerBytes() const
 std::vector<std::uint8_t> MidiFile::toBytes() const
 {
     const auto header = headerBytes();
-    std::vector<std::uint8_t> out(header.begin(), header.end());
-    std::vector<std::uint8_t> events;
+    std::size_t size = header.size();
+    for (const MidiTrack& track : m_tracks)
+        size += 8 + track.bytes().size();
+    std::vector<std::uint8_t> out;
+    out.reserve(size);
+    out.insert(out.end(), header.begin(), header.end());
     for (const MidiTrack& track : m_tracks) {
-        events.clear();
-        track.appendEventsTo(events);
         const auto chunk =
-            chunkHeader(MidiTrack::kChunkId, static_cast<std::uint32_t>(events.size()));
+            chunkHeader(MidiTrack::kChunkId, static_cast<std::uint32_t>(track.bytes().size()));
         out.insert(out.end(), chunk.begin(), chunk.end());
-        out.insert(out.end(), events.begin(), events.end());
+        track.appendEventsTo(out);
     }
     return out;
 }
@@ -139,11 +148,10 @@ music::Result MidiFile::save(const std::filesystem::path& path) const
 
     const auto header = headerBytes();
     bool ok = out.write(header.data(), header.size());
-    std::vector<std::uint8_t> buffer;
     for (const MidiTrack& track : m_tracks) {
         if (!ok)
             break;
-        ok = writeTrack(out, track, buffer);
+        ok = writeTrack(out, track);
     }
     if (!ok || !out.commit())
         return music::Result::failure(std::string(kWriteFailedMessage));

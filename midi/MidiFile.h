@@ -15,8 +15,9 @@ namespace midi {
  * A Standard MIDI file being built: format 1, division 96 ticks per quarter note, and a list of
  * tracks of which the last one is the current track that every add operation appends to.
  *
- * Adding an event before any track exists does nothing. The object is a plain value: tracks and
- * events are owned by it and go away with it or with `release()`.
+ * Adding an event before any track exists does nothing. Each event is encoded into its track's
+ * bytes as it is added. The object is a plain value: tracks and their bytes are owned by it and
+ * go away with it or with `release()`.
  */
 class MidiFile
 {
@@ -49,7 +50,7 @@ public:
     void addMarker(std::uint32_t delta, std::string_view text);
     void addEndOfTrack(std::uint32_t delta);
     /** Appends any event to the current track. */
-    void addEvent(MidiEvent event);
+    void addEvent(const MidiEvent& event);
 
     /** The 14 bytes of the "MThd" chunk. */
     std::array<std::uint8_t, kHeaderSize> headerBytes() const;

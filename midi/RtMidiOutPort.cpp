@@ -129,6 +129,11 @@ std::unique_ptr<RtMidiOutPort> RtMidiOutPort::open(const std::string& name)
 
 void RtMidiOutPort::sendMessage(const std::vector<std::uint8_t>& bytes)
 {
+    sendShort(bytes.data(), bytes.size(), kNow);
+}
+
+void RtMidiOutPort::sendShort(const std::uint8_t* bytes, std::size_t size, std::int64_t)
+{
     if (m_impl->jackWatch) {
         if (const std::optional<std::string> failure = m_impl->jackWatch->failure())
             throw CMIDIOutException(*failure);
@@ -136,7 +141,7 @@ void RtMidiOutPort::sendMessage(const std::vector<std::uint8_t>& bytes)
     QuietOutput& output = *m_impl->output;
     output.error.clear();
     try {
-        output.out->sendMessage(bytes.data(), bytes.size());
+        output.out->sendMessage(bytes, size);
     } catch (const RtMidiError& error) {
         throw CMIDIOutException(error.getMessage());
     }

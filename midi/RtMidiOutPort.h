@@ -34,6 +34,8 @@ public:
 
     /** Throws CMIDIOutException with RtMidi's text, or the JACK server's reason for leaving. */
     void sendMessage(const std::vector<std::uint8_t>& bytes) override;
+    /** Sends at once, without copying the bytes; the due time is not used. */
+    void sendShort(const std::uint8_t* bytes, std::size_t size, std::int64_t dueNs) override;
 
 private:
     struct Impl;

@@ -33,7 +33,7 @@ std::uint16_t ShortMessage::packData(std::uint8_t data1, std::uint8_t data2)
     return static_cast<std::uint16_t>(data2 << 8 | data1);
 }
 
-std::vector<std::uint8_t> ShortMessage::wireBytes(std::uint32_t packed)
+ShortMessage::Wire ShortMessage::wire(std::uint32_t packed)
 {
     const auto byteAt = [packed](int shift) {
         return static_cast<std::uint8_t>((packed >> shift) & 0xFF);
@@ -46,22 +46,28 @@ std::vector<std::uint8_t> ShortMessage::wireBytes(std::uint32_t packed)
     case 0xA0:
     case 0xB0:
     case 0xE0:
-        return {status, dataByte(8), dataByte(16)};
+        return {{status, dataByte(8), dataByte(16)}, 3};
     case 0xC0:
     case 0xD0:
-        return {status, dataByte(8)};
+        return {{status, dataByte(8), 0}, 2};
     default:
         break;
     }
     switch (status) {
     case 0xF1: // time code quarter frame
     case 0xF3: // song select
-        return {status, dataByte(8)};
+        return {{status, dataByte(8), 0}, 2};
     case 0xF2: // song position
-        return {status, dataByte(8), dataByte(16)};
+        return {{status, dataByte(8), dataByte(16)}, 3};
     default:
-        return {status};
+        return {{status, 0, 0}, 1};
     }
+}
+
+std::vector<std::uint8_t> ShortMessage::wireBytes(std::uint32_t packed)
+{
+    const Wire bytes = wire(packed);
+    return {bytes.bytes.begin(), bytes.bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size)};
 }
 
 void ShortMessage::sendTo(CMIDIOutDevice& device) const

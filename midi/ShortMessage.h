@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -34,6 +36,13 @@ public:
      * MIDI data bytes have seven bits.
      */
     static std::vector<std::uint8_t> wireBytes(std::uint32_t packed);
+    /** The same bytes without allocating: `size` of the three are used. */
+    struct Wire
+    {
+        std::array<std::uint8_t, 3> bytes{};
+        std::size_t size = 0;
+    };
+    static Wire wire(std::uint32_t packed);
 
     std::uint32_t message() const { return m_message; }
     std::uint16_t data() const { return m_data; }

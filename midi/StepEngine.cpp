@@ -18,6 +18,7 @@ std::uint8_t noteOffStatus(std::uint8_t channel)
 StepEngine::StepEngine(StepSink& sink) : m_sink(sink)
 {
     m_sounding.fill(kNoNote);
+    m_pending.reserve(2 * part::kTrackCount); // a step never makes more: nothing grows later
 }
 
 std::uint8_t StepEngine::soundingNote(int track) const
@@ -69,9 +70,22 @@ bool StepEngine::startRange(const part::Part& part, std::uint16_t first, std::ui
     return begin(part, first, last);
 }
 
+bool StepEngine::replay(std::uint16_t first, std::uint16_t last)
+{
+    stop();
+    if (!resolveRange(m_part, first, last))
+        return false;
+    return beginHeld(first, last);
+}
+
 bool StepEngine::begin(const part::Part& part, std::uint16_t first, std::uint16_t last)
 {
     m_part = part;
+    return beginHeld(first, last);
+}
+
+bool StepEngine::beginHeld(std::uint16_t first, std::uint16_t last)
+{
     m_lastChord = last;
     m_stepIndex = 0;
     if (!enterChord(first))
@@ -118,6 +132,17 @@ void StepEngine::stop()
 void StepEngine::updatePart(const part::Part& part)
 {
     m_part = part;
+    fitToPart();
+}
+
+void StepEngine::swapPart(part::Part& part)
+{
+    std::swap(m_part, part);
+    fitToPart();
+}
+
+void StepEngine::fitToPart()
+{
     if (!m_playing)
         return;
     if (m_currentChord >= m_part.count()) {

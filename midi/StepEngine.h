@@ -94,6 +94,17 @@ public:
      * playback ends. Sounding notes go on until their track's next event.
      */
     void updatePart(const part::Part& part);
+    /**
+     * updatePart without a copy: the engine takes `part` and hands back the one it played in
+     * its place, so a real-time caller neither allocates nor frees.
+     */
+    void swapPart(part::Part& part);
+
+    /**
+     * Plays first..last of the part the engine holds again (a loop's next round), with the rules
+     * of startRange; nothing is copied. False when nothing plays.
+     */
+    bool replay(std::uint16_t first, std::uint16_t last);
 
     bool isPlaying() const { return m_playing; }
     /** The chord being played (an index into the part), and the range's last chord. */
@@ -117,6 +128,10 @@ public:
 
 private:
     bool begin(const part::Part& part, std::uint16_t first, std::uint16_t last);
+    /** Starts at `first` of the part held; false when no chord of first..last has rows. */
+    bool beginHeld(std::uint16_t first, std::uint16_t last);
+    /** After the part changed while playing: range and current chord fitted to it. */
+    void fitToPart();
     /** Makes `index` current, passing over chords of length 0. False when none is left. */
     bool enterChord(int index);
     void renderCurrentRow();

@@ -1,7 +1,10 @@
 #include "midi/SystemMidiPortList.h"
 
 #include "midi/BuiltInSynth.h"
+#include "midi/JackMidiOutPort.h"
 #include "midi/RtMidiOutPort.h"
+
+#include <string_view>
 
 namespace midi {
 
@@ -24,9 +27,16 @@ std::unique_ptr<MidiOutPort> SystemMidiPortList::openPort(unsigned number)
     const std::vector<std::string> names = deviceNames();
     if (number >= names.size())
         return nullptr;
-    if (names[number] == BuiltInSynth::kDeviceName)
+    const std::string& name = names[number];
+    if (name == BuiltInSynth::kDeviceName)
         return BuiltInSynth::open(m_dataFolder);
-    return RtMidiOutPort::open(names[number]);
+    // A JACK port is reached natively where that is built (frame-exact), else through RtMidi.
+    constexpr std::string_view kJack = "JACK: ";
+    if (name.starts_with(kJack)) {
+        if (std::unique_ptr<MidiOutPort> port = JackMidiOutPort::open(name.substr(kJack.size())))
+            return port;
+    }
+    return RtMidiOutPort::open(name);
 }
 
 } // namespace midi

@@ -8,7 +8,8 @@ namespace midi {
 
 /**
  * The real device list: the built-in synth first (listed when FluidSynth finds a soundfont),
- * then every output port of every running MIDI system, named as RtMidiOutPort names them.
+ * then every output port of every running MIDI system, named as RtMidiOutPort names them. JACK
+ * ports open as JackMidiOutPort where that is built (Linux), through RtMidi otherwise.
  */
 class SystemMidiPortList : public MidiPortList
 {

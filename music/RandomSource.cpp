@@ -1,5 +1,7 @@
 #include "music/RandomSource.h"
 
+#include <atomic>
+
 namespace music {
 
 namespace {
@@ -15,19 +17,22 @@ std::uint32_t scramble(std::uint32_t value)
     return value;
 }
 
-std::uint32_t g_state = scramble(1);
+// Atomic so that the playback thread and the window may both draw without a data race; a draw
+// that overlaps another may repeat a number, which a velocity jitter does not mind.
+std::atomic<std::uint32_t> g_state{scramble(1)};
 
 } // namespace
 
 void RandomSource::seed(std::uint32_t value)
 {
-    g_state = scramble(value);
+    g_state.store(scramble(value), std::memory_order_relaxed);
 }
 
 int RandomSource::next()
 {
-    g_state = g_state * 214013u + 2531011u;
-    return static_cast<int>((g_state >> 16) & 0x7FFFu);
+    const std::uint32_t state = g_state.load(std::memory_order_relaxed) * 214013u + 2531011u;
+    g_state.store(state, std::memory_order_relaxed);
+    return static_cast<int>((state >> 16) & 0x7FFFu);
 }
 
 int RandomSource::random(int n)

@@ -75,6 +75,38 @@ TEST(ChordCollectionModel, PassesTheModelTesterAndMapsPositionsBothWays)
     EXPECT_FALSE(model.flags(model.index(TreePosition::ofSection(0, 0))) & Qt::ItemIsDragEnabled);
 }
 
+TEST(ChordCollectionModel, RowsNeverAskedForFollowChangesMadeBeforeTheyAreOpened)
+{
+    // Nothing below the base group has been asked for when the collection changes deep down;
+    // the rows seen afterwards are those of the changed collection, and a view opening them
+    // later finds a consistent model.
+    ChordCollection collection = smallCollection();
+    app::ChordCollectionModel model(collection);
+    EXPECT_EQ(model.rowCount(), 1);
+    auto& chords = collection.baseGroups()[0].sections[0].subsections[0].chords;
+    chords.erase(chords.begin());
+    chords.push_back(music::Chord::fromNotes("g", {55, 59, 62}));
+    collection.baseGroups()[0].sections[0].subsections[1].name = "Bee";
+    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
+    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
+    model.refresh();
+    EXPECT_EQ(inserted.count() + removed.count(), 0); // no view knew those rows
+
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    const QModelIndex a = model.index(TreePosition::ofSubsection(0, 0, 0));
+    ASSERT_EQ(model.rowCount(a), 3);
+    EXPECT_EQ(model.index(0, 0, a).data().toString(), QStringLiteral("d"));
+    EXPECT_EQ(model.index(2, 0, a).data().toString(), QStringLiteral("g"));
+    EXPECT_EQ(model.index(TreePosition::ofSubsection(0, 0, 1)).data().toString(),
+              QStringLiteral("Bee"));
+
+    // Once open, the rows are told about again.
+    chords.pop_back();
+    model.refresh();
+    EXPECT_EQ(removed.count(), 1);
+    EXPECT_EQ(model.rowCount(a), 2);
+}
+
 TEST(ChordCollectionModel, ItemsKeepTheirIndexesThroughChangesWithoutAReset)
 {
     // Each change is made to the collection, then shown; an index held on chord "e" and on

@@ -176,3 +176,37 @@ TEST(MidiFile, FailedSaveSaysWhyAndLeavesTheOldFile)
     std::filesystem::remove_all(dir);
 }
 #endif
+
+TEST(MidiTrack, ChannelEventsWrittenDirectlyMatchTheEventEncoderByteForByte)
+{
+    // Delta, status and data bytes: every channel kind, a one- and two-data-byte status, data
+    // above seven bits, the longest delta, and statuses that a channel byte above 15 makes
+    // (no channel status at all).
+    struct Case
+    {
+        std::uint32_t delta;
+        std::uint8_t status;
+        std::uint8_t data1;
+        std::uint8_t data2;
+    };
+    const Case cases[] = {
+        {0, 0x90, 60, 100},         {127, 0x80, 60, 0},       {128, 0x9F, 127, 127},
+        {0x3FFF, 0xA3, 1, 2},       {0x200000, 0xB0, 7, 200}, {0x0FFFFFFF, 0xC5, 41, 99},
+        {5, 0xD0, 255, 255},        {6, 0xE2, 0, 64},         {7, 0xEF, 128, 129},
+        {0xFFFFFFFF, 0x91, 10, 20}, {3, 0x20, 60, 100},       {4, 0xF0, 60, 100},
+        {9, 0xFF, 0x2F, 0},         {10, 0xF7, 1, 1},
+    };
+    for (const Case& c : cases) {
+        midi::MidiEvent event;
+        event.setDeltaTime(c.delta);
+        event.setStatus(c.status);
+        event.setDataByte(1, c.data1);
+        event.setDataByte(2, c.data2);
+        midi::MidiTrack viaEvent;
+        viaEvent.addEvent(event);
+        midi::MidiTrack direct;
+        direct.addChannelEvent(c.delta, c.status, c.data1, c.data2);
+        EXPECT_EQ(direct.bytes(), viaEvent.bytes()) << "status " << int(c.status);
+        EXPECT_EQ(direct.eventCount(), 1u);
+    }
+}

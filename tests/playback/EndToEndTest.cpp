@@ -37,8 +37,9 @@ const std::string kCli = TM_BINARY_DIR "/bin/tonalmancer-cli";
  * Servers and clients end with SIGTERM only: JACK's registry has eight server slots, and a killed
  * server never frees its slot. JACK reclaims an entry for the same name, so a few fixed names
  * (rather than one per run) never fill it up; the next is tried when another test run holds
- * one. Real-time scheduling first where the system allows it: on a loaded machine a server
- * without it misses cycles, and JACK drops the MIDI events of a missed cycle.
+ * one. TM_JACK_SERVER_PREFIX (default "tmtest") keeps the names of parallel checkouts apart.
+ * Real-time scheduling first where the system allows it: on a loaded machine a server without it
+ * misses cycles, and JACK drops the MIDI events of a missed cycle.
  */
 const char* const kJackScenario = R"(set -u
 dir=$1 cli=$2 server= dump=
@@ -48,7 +49,7 @@ trap finish EXIT
 port() { timeout 5 sh -c "until jack_lsp 2>/dev/null | grep -qxF '$1'; do sleep 0.05; done"; }
 export JACK_NO_AUDIO_RESERVATION=1
 for attempt in 0 1 2 3 4 5 6 7; do
-    export JACK_DEFAULT_SERVER=tmtest-sequence-$((attempt / 2))
+    export JACK_DEFAULT_SERVER=${TM_JACK_SERVER_PREFIX:-tmtest}-sequence-$((attempt / 2))
     mode=--realtime; [ $((attempt % 2)) = 1 ] && mode=--no-realtime
     jackd $mode -n $JACK_DEFAULT_SERVER -d dummy -r 48000 -p 1024 >/dev/null 2>&1 & server=$!
     for i in $(seq 100); do

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <tuple>
@@ -274,4 +275,62 @@ TEST_F(PartPlayerTest, PortAndProgramChangedWhilePlayingAreSentAtOnce)
     EXPECT_EQ(sent, (std::vector<quint32>{0x32C3, 0x0701FF, 0x32C3}));
     EXPECT_EQ(m_player.settings().programAt(7, 3), 50);
     m_player.stop();
+}
+
+TEST_F(PartPlayerTest, AScheduledPortGetsEveryStepOnAnExactGridAndAStopAtOnce)
+{
+    // A port with a lookahead gets each message with the time it is due: steps exactly one
+    // interval apart (5 ms), counted from one lookahead after the start; what is sent at once
+    // (program change, a stop's note-offs) carries no due time.
+    constexpr std::int64_t kLookahead = 40'000'000;
+    constexpr std::int64_t kStep = 5'000'000;
+    m_ports->lookaheadNs = kLookahead;
+    const auto started = std::chrono::steady_clock::now().time_since_epoch();
+    ASSERT_EQ(m_player.playPart(makeTestPart(), part::kNoIndex), kStarted);
+    ASSERT_TRUE(runUntilFinished());
+
+    std::vector<std::int64_t> due;
+    {
+        const std::lock_guard<std::mutex> lock(m_ports->mutex);
+        due = m_ports->dueTimes;
+    }
+    ASSERT_EQ(due.size(), 9u);
+    EXPECT_EQ(due[0], midi::MidiOutPort::kNow); // the program change
+    const std::int64_t first = due[1];
+    EXPECT_GE(first, std::chrono::nanoseconds(started).count() + kLookahead);
+    // The notes come at steps 0, 0, 2, 4, 4, 4, 6 and the last note-off one step after row 7.
+    const std::vector<std::int64_t> steps = {0, 0, 2, 4, 4, 4, 6, 8};
+    for (std::size_t i = 0; i < steps.size(); ++i)
+        EXPECT_EQ(due[i + 1] - first, steps[i] * kStep) << "message " << i + 1;
+
+    m_player.setTempo(1, 1); // a minute per step: only stop ends it
+    {
+        const std::lock_guard<std::mutex> lock(m_ports->mutex);
+        m_ports->dueTimes.clear();
+    }
+    ASSERT_EQ(m_player.playPart(makeTestPart(), 0), kStarted);
+    m_player.stop();
+    {
+        const std::lock_guard<std::mutex> lock(m_ports->mutex);
+        due = m_ports->dueTimes;
+    }
+    ASSERT_EQ(due.size(), 5u); // program change, two notes, their two note-offs
+    EXPECT_NE(due[1], midi::MidiOutPort::kNow);
+    EXPECT_EQ(due[3], midi::MidiOutPort::kNow);
+    EXPECT_EQ(due[4], midi::MidiOutPort::kNow);
+}
+
+TEST_F(PartPlayerTest, ALiveEditReachesThePlaybackThreadFromTheNextStep)
+{
+    // Made right after the start (step 0 has played): row 2 of track 0 now plays chord note 2
+    // instead of stopping the note. The chord F then plays it too, one octave of notes up.
+    part::Part edited = makeTestPart();
+    edited.patterns().pattern(0).setCell(0, 2, {part::CellKind::ChordNote, 2, 0});
+    ASSERT_EQ(m_player.playPart(makeTestPart(), part::kNoIndex), kStarted);
+    m_player.updatePart(edited);
+    ASSERT_TRUE(runUntilFinished());
+    EXPECT_EQ(notes(), (Notes{0x93, 48, 0x93, 52, 0x83, 48, 0x93, 55, 0x83, 55, 0x93, 53,
+                              0x83, 52, 0x93, 57, 0x83, 53, 0x93, 60, 0x83, 60, 0x83, 57}));
+    m_player.updatePart(makeTestPart()); // idle: nothing happens
+    EXPECT_FALSE(m_player.isPlaying());
 }

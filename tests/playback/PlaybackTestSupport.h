@@ -34,6 +34,8 @@ public:
 
     std::mutex mutex;
     std::vector<std::vector<std::uint8_t>> messages; // by every port opened
+    std::vector<std::int64_t> dueTimes;              // of each message, beside `messages`
+    std::int64_t lookaheadNs = 0; // > 0: the ports schedule, like a native JACK port
     int opened = 0;
     int closed = 0;
     int failAfter = -1; // the ports throw once this many messages went through (-1: never)
@@ -55,11 +57,17 @@ private:
         }
         void sendMessage(const std::vector<std::uint8_t>& bytes) override
         {
+            sendShort(bytes.data(), bytes.size(), kNow);
+        }
+        void sendShort(const std::uint8_t* bytes, std::size_t size, std::int64_t dueNs) override
+        {
             const std::lock_guard<std::mutex> lock(m_list.mutex);
             if (m_list.failAfter >= 0 && std::ssize(m_list.messages) >= m_list.failAfter)
                 throw midi::CMIDIOutException(m_list.failureText);
-            m_list.messages.push_back(bytes);
+            m_list.messages.emplace_back(bytes, bytes + size);
+            m_list.dueTimes.push_back(dueNs);
         }
+        std::int64_t lookaheadNs() const override { return m_list.lookaheadNs; }
         FakePortList& m_list;
     };
     std::vector<std::string> m_names;

@@ -1,0 +1,119 @@
+// Start-up: from starting the process to its first painted frame, for the program's main window
+// and for a bare Qt window built for this benchmark (bare_window.cpp), measured the same way in
+// the same run. Both are started in turn, ten of each per repetition after one of each to warm
+// the file cache; the medians and their ratio are reported (goal: at most 1.5x the bare window).
+//
+// The window ends itself after its first frame (TM_EXIT_AFTER_FIRST_PAINT), which it signals on
+// stdout; the time runs from fork() to that line. Under a display (DISPLAY set, as with xvfb-run)
+// both use it, else Qt's offscreen platform. The settings live in a temporary folder.
+// The program is the Release build beside the benchmarks, else TM_BENCH_APP, else
+// build/package/bin/tonalmancer, else build/dev/bin/tonalmancer (a debug build: slower).
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kRuns = 10;
+
+fs::path programPath()
+{
+    if (const char* chosen = std::getenv("TM_BENCH_APP"))
+        return chosen;
+    for (const fs::path& candidate :
+         {fs::path(TM_BENCH_BIN_DIR) / "tonalmancer",
+          fs::path(TM_BENCH_SOURCE_DIR) / "build/package/bin/tonalmancer",
+          fs::path(TM_BENCH_SOURCE_DIR) / "build/dev/bin/tonalmancer"}) {
+        if (fs::exists(candidate))
+            return candidate;
+    }
+    return {};
+}
+
+/** Milliseconds from fork() to the "first paint" line; negative when the window never said it. */
+double startToFirstPaint(const fs::path& program, const fs::path& settings)
+{
+    int pipeEnds[2];
+    if (pipe(pipeEnds) != 0)
+        return -1;
+    const Clock::time_point started = Clock::now();
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(pipeEnds[1], STDOUT_FILENO);
+        close(pipeEnds[0]);
+        close(pipeEnds[1]);
+        setenv("TM_EXIT_AFTER_FIRST_PAINT", "1", 1);
+        setenv("XDG_CONFIG_HOME", settings.c_str(), 1);
+        if (std::getenv("DISPLAY") == nullptr)
+            setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        execl(program.c_str(), program.c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    close(pipeEnds[1]);
+    std::string said;
+    char buffer[256];
+    for (ssize_t n; (n = read(pipeEnds[0], buffer, sizeof buffer)) > 0;) {
+        said.append(buffer, static_cast<std::size_t>(n));
+        if (said.find("first paint") != std::string::npos)
+            break;
+    }
+    const double ms = std::chrono::duration<double, std::milli>(Clock::now() - started).count();
+    close(pipeEnds[0]);
+    waitpid(child, nullptr, 0);
+    return said.find("first paint") != std::string::npos ? ms : -1;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+void BM_StartToFirstPaint(benchmark::State& state)
+{
+    const fs::path program = programPath();
+    const fs::path bare = fs::path(TM_BENCH_BIN_DIR) / "tm_bare_window";
+    if (program.empty() || !fs::exists(bare)) {
+        state.SkipWithError("the program or the bare window is not built");
+        return;
+    }
+    const fs::path settings = fs::temp_directory_path() / "tm-bench-startup-settings";
+    fs::create_directories(settings);
+    for (auto _ : state) {
+        startToFirstPaint(bare, settings);
+        startToFirstPaint(program, settings);
+        std::vector<double> programMs;
+        std::vector<double> bareMs;
+        for (int i = 0; i < kRuns; ++i) {
+            bareMs.push_back(startToFirstPaint(bare, settings));
+            programMs.push_back(startToFirstPaint(program, settings));
+        }
+        if (*std::min_element(programMs.begin(), programMs.end()) < 0 ||
+            *std::min_element(bareMs.begin(), bareMs.end()) < 0) {
+            state.SkipWithError("a window did not report its first paint");
+            break;
+        }
+        state.counters["program_ms"] = median(programMs);
+        state.counters["bare_window_ms"] = median(bareMs);
+        state.counters["ratio"] = median(programMs) / median(bareMs);
+    }
+    fs::remove_all(settings);
+}
+
+} // namespace
+
+BENCHMARK(BM_StartToFirstPaint)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+BENCHMARK_MAIN();
