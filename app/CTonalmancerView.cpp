@@ -15,9 +15,14 @@
 #include "app/PartFileCommands.h"
 #include "app/PartListPanel.h"
 #include "app/PartMidiDrag.h"
+#include "app/PartPresetSource.h"
 #include "app/PartSession.h"
+#include "app/PartSettingsPanel.h"
 #include "app/PatternGridPanel.h"
+#include "app/PatternListPanel.h"
+#include "app/PatternPresetSource.h"
 #include "app/PatternTrackCommands.h"
+#include "app/PresetPanel.h"
 #include "app/TransportController.h"
 #include "app/UndoRouter.h"
 #include "app/VoicingCommands.h"
@@ -31,15 +36,11 @@
 
 #include <QAction>
 #include <QDockWidget>
-#include <QHeaderView>
 #include <QLabel>
-#include <QListWidget>
 #include <QMenu>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
-#include <QTableWidget>
-#include <QTreeWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -96,13 +97,14 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
 
     Regions regions;
     regions.chordDatabase = createChordDatabasePanel();
+    // The presets first: the part list and the pattern list add to them.
+    regions.partPresets = createPartPresetPanel();
+    regions.patternPresets = createPatternPresetPanel();
     regions.partList = createPartListPanel();
     regions.patternList = createPatternListPanel();
     regions.patternGrid = createPatternGridPanel();
     regions.partSettings = createPartSettingsPanel();
     regions.machines = createMachinePanel();
-    regions.partPresets = createPartPresetPanel();
-    regions.patternPresets = createPatternPresetPanel();
     layOut(regions);
     for (QWidget* partRegion : {regions.partList, regions.patternList, regions.patternGrid,
                                 regions.partSettings, regions.partPresets, regions.patternPresets})
@@ -184,10 +186,11 @@ QWidget* CTonalmancerView::createPartListPanel()
 
 QWidget* CTonalmancerView::createPatternListPanel()
 {
-    auto* list = named(new QListWidget(this), "patternList", tr("Patterns"));
-    list->setToolTip(tr("The patterns of the part."));
-    attachContextMenu("patternList", list);
-    return list;
+    m_patternList = new PatternListPanel(
+        *m_partSession, *m_patternPresetPanel, *m_patternPresetSource,
+        [this](std::string_view id) { return m_frame.action(id); }, this);
+    registerContextMenu("patternList", m_patternList->contextMenu());
+    return m_patternList;
 }
 
 QWidget* CTonalmancerView::createPatternGridPanel()
@@ -207,23 +210,10 @@ QWidget* CTonalmancerView::createPatternGridPanel()
 
 QWidget* CTonalmancerView::createPartSettingsPanel()
 {
-    m_settingsTree = named(new QTreeWidget(this), "settingsView", tr("Part settings"));
-    m_settingsTree->setHeaderLabels({tr("Setting"), tr("Value")});
-    m_settingsTree->setRootIsDecorated(false);
-    const part::Part defaults;
-    QStringList labels = {QStringLiteral("Pattern List"), QStringLiteral("Base Wave"),
-                          QStringLiteral("Base Octave")};
-    for (int track = 1; track <= 8; ++track)
-        labels << QStringLiteral("Track %1").arg(track);
-    labels << QStringLiteral("Def Octave") << QStringLiteral("Def Length");
-    for (const QString& label : labels) {
-        auto* item = new QTreeWidgetItem(m_settingsTree, {label});
-        if (label == QStringLiteral("Base Octave"))
-            item->setText(1, QString::number(defaults.baseOctave()));
-    }
-    m_settingsTree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-    attachContextMenu("settingsView", m_settingsTree);
-    return m_settingsTree;
+    m_partSettings = new PartSettingsPanel(
+        *m_partSession, [this](std::string_view id) { return m_frame.action(id); }, this);
+    registerContextMenu("settingsView", m_partSettings->contextMenu());
+    return m_partSettings;
 }
 
 QWidget* CTonalmancerView::createMachinePanel()
@@ -246,16 +236,34 @@ QString CTonalmancerView::selectedMachineName() const
 
 QWidget* CTonalmancerView::createPartPresetPanel()
 {
-    m_partPresetList = named(new QListWidget(this), "partPresets", tr("Part presets"));
-    attachContextMenu("partPresets", m_partPresetList);
-    return m_partPresetList;
+    auto source = std::make_unique<PartPresetSource>();
+    m_partPresetSource = source.get();
+    m_partPresetPanel = new PresetPanel(
+        std::move(source), *m_partSession,
+        [this](std::string_view id) { return m_frame.action(id); }, m_dataFolder, this);
+    registerContextMenu("partPresets", m_partPresetPanel->contextMenu());
+    return m_partPresetPanel;
 }
 
 QWidget* CTonalmancerView::createPatternPresetPanel()
 {
-    m_patternPresetList = named(new QListWidget(this), "patternPresets", tr("Pattern presets"));
-    attachContextMenu("patternPresets", m_patternPresetList);
-    return m_patternPresetList;
+    auto source = std::make_unique<PatternPresetSource>();
+    m_patternPresetSource = source.get();
+    m_patternPresetPanel = new PresetPanel(
+        std::move(source), *m_partSession,
+        [this](std::string_view id) { return m_frame.action(id); }, m_dataFolder, this);
+    registerContextMenu("patternPresets", m_patternPresetPanel->contextMenu());
+    return m_patternPresetPanel;
+}
+
+const part::PartPresetList& CTonalmancerView::partPresets() const
+{
+    return m_partPresetSource->list();
+}
+
+const part::PatternPresetList& CTonalmancerView::patternPresets() const
+{
+    return m_patternPresetSource->list();
 }
 
 void CTonalmancerView::layOut(const Regions& regions)
@@ -279,6 +287,10 @@ void CTonalmancerView::layOut(const Regions& regions)
     side->addWidget(titled(tr("&Settings / Song"), m_sideStack, side));
     side->addWidget(titled(tr("Part p&resets"), regions.partPresets, side));
     side->addWidget(titled(tr("Pattern pre&sets"), regions.patternPresets, side));
+    // The settings keep the height that shows them all; the preset lists share the rest.
+    side->setStretchFactor(0, 0);
+    side->setStretchFactor(1, 1);
+    side->setStretchFactor(2, 1);
 
     auto* main = createSplitter(Qt::Horizontal, QStringLiteral("main"), this);
     main->addWidget(titled(tr("&Chord database"), regions.chordDatabase, main));
@@ -333,21 +345,6 @@ void CTonalmancerView::openMidiInput(bool reportFailure)
 
 // ---- menus and command routing ---------------------------------------------------------------
 
-void CTonalmancerView::attachContextMenu(std::string_view name, QWidget* widget)
-{
-    QMenu* menu = ActionFactory::buildContextMenu(
-        name, widget, [this](std::string_view id) { return m_frame.action(id); });
-    menu->setAccessibleName(tr("%1 commands").arg(widget->accessibleName()));
-    registerContextMenu(name, menu);
-    widget->setContextMenuPolicy(Qt::CustomContextMenu);
-    auto* area = qobject_cast<QAbstractScrollArea*>(widget);
-    connect(widget, &QWidget::customContextMenuRequested, this,
-            [menu, widget, area](const QPoint& point) {
-                const QWidget* origin = area != nullptr ? area->viewport() : widget;
-                menu->popup(origin->mapToGlobal(point));
-            });
-}
-
 void CTonalmancerView::registerContextMenu(std::string_view name, QMenu* menu)
 {
     m_menus[std::string(name)] = menu;
@@ -384,9 +381,8 @@ void CTonalmancerView::initialUpdate()
     }
     m_chordDatabase->loadDefaults();
     openMidiInput(false); // a keyboard not plugged in at start is no reason for a message box
-    m_partPresets.load(m_dataFolder.file(part::PartPresetList::kDefaultFileName));
-    m_patternPresets.load(m_dataFolder.file(part::PatternPresetList::kDefaultFileName));
-    refreshPresets();
+    m_partPresetPanel->loadDefaultQuietly();
+    m_patternPresetPanel->loadDefaultQuietly();
     m_machinePanel->applySettings();
     m_partFiles->loadAtStart();
 }
@@ -446,25 +442,7 @@ QString CTonalmancerView::lastDraggedMidiFile() const
 
 int CTonalmancerView::currentPartPreset() const
 {
-    return m_partPresetList->currentRow();
-}
-
-void CTonalmancerView::notifyPartPresetsChanged()
-{
-    refreshPresets();
-    Q_EMIT partPresetsChanged();
-}
-
-void CTonalmancerView::refreshPresets()
-{
-    const int current = m_partPresetList->currentRow();
-    m_partPresetList->clear();
-    for (const part::PartPreset& preset : m_partPresets.presets())
-        m_partPresetList->addItem(QString::fromStdString(preset.name));
-    m_partPresetList->setCurrentRow(std::min(current, m_partPresetList->count() - 1));
-    m_patternPresetList->clear();
-    for (int i = 0; i < m_patternPresets.count(); ++i)
-        m_patternPresetList->addItem(QString::fromStdString(m_patternPresets.preset(i).name()));
+    return m_partPresetPanel->currentPreset();
 }
 
 } // namespace app

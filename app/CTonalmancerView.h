@@ -13,12 +13,9 @@
 #include <string_view>
 
 class QDockWidget;
-class QListWidget;
 class QMenu;
 class QMimeData;
 class QStackedWidget;
-class QTableWidget;
-class QTreeWidget;
 
 namespace midi {
 class MidiInPortList;
@@ -38,7 +35,12 @@ class PartExportCommands;
 class PartFileCommands;
 class PartListPanel;
 class PartMidiDrag;
+class PartPresetSource;
 class PartSession;
+class PartSettingsPanel;
+class PatternListPanel;
+class PatternPresetSource;
+class PresetPanel;
 class TransportController;
 class UndoRouter;
 class UndoTarget;
@@ -49,8 +51,8 @@ class VoicingCommands;
  * window's commands to them. The chord database sits on the left, the part (its chords, patterns
  * and the pattern grid) in the middle, the part settings or the song's machines and the presets
  * on the right. Undo and Redo act on the region that has, or last had, the focus. The view owns
- * the MIDI settings and the presets until their panels take them over. The keyboard panel is a
- * dock of the main window (View > Keyboard), fed by the MIDI input the settings name.
+ * the MIDI settings; the preset panels own their lists. The keyboard panel is a dock of the main
+ * window (View > Keyboard), fed by the MIDI input the settings name.
  */
 class CTonalmancerView : public CResizableFormView
 {
@@ -102,16 +104,16 @@ public:
     const Regions& regions() const { return m_regions; }
     const midi::MidiSettings& midiSettings() const { return m_midiSettings; }
     midi::MidiSettings& midiSettings() { return m_midiSettings; }
-    const part::PartPresetList& partPresets() const { return m_partPresets; }
-    /** The part presets to change; call notifyPartPresetsChanged() afterwards. */
-    part::PartPresetList& partPresets() { return m_partPresets; }
+    const part::PartPresetList& partPresets() const;
+    const part::PatternPresetList& patternPresets() const;
+    /** The preset lists; their current preset is what "Replace Current Preset" replaces. */
+    PresetPanel* partPresetPanel() const { return m_partPresetPanel; }
+    PresetPanel* patternPresetPanel() const { return m_patternPresetPanel; }
     /** The part presets' current item (Replace Current Preset acts on it); -1 for none. */
     int currentPartPreset() const;
-    /** Shows the changed part presets in their list. */
-    void notifyPartPresetsChanged();
-    const part::PatternPresetList& patternPresets() const { return m_patternPresets; }
+    PatternListPanel* patternList() const { return m_patternList; }
+    PartSettingsPanel* partSettings() const { return m_partSettings; }
 
-    QTreeWidget* settingsTree() const { return m_settingsTree; }
     /** The song's machines ("Show Bmx"). */
     MachinePanel* machinePanel() const { return m_machinePanel; }
     /**
@@ -143,15 +145,9 @@ public:
 
     /** Shows the song's machines instead of the part settings, or the settings again. */
     void showMachineView(bool machines);
-    void refreshPresets();
-
-Q_SIGNALS:
-    /** The part presets were changed as a list (added, replaced, loaded...). */
-    void partPresetsChanged();
 
 private:
-    // One factory point per region: each returns the region's widget, ready to be laid out. The
-    // regions still without a panel class are placeholders with the table's context menu.
+    // One factory point per region: each returns the region's widget, ready to be laid out.
     QWidget* createChordDatabasePanel();
     QWidget* createPartListPanel();
     QWidget* createPatternListPanel();
@@ -166,8 +162,6 @@ private:
     void openMidiInput(bool reportFailure);
 
     void layOut(const Regions& regions);
-    /** Gives a placeholder the context menu `name` of the command table. */
-    void attachContextMenu(std::string_view name, QWidget* widget);
     void connectCommands();
     void connectTempoBar();
 
@@ -177,8 +171,6 @@ private:
     std::shared_ptr<midi::MidiPortList> m_ports;
 
     midi::MidiSettings m_midiSettings;
-    part::PartPresetList m_partPresets;
-    part::PatternPresetList m_patternPresets;
     bool m_settingsWritten = false;
 
     Regions m_regions;
@@ -195,10 +187,13 @@ private:
     TransportController* m_transport = nullptr;
     PartExportCommands* m_partExports = nullptr;
     std::unique_ptr<PartMidiDrag> m_midiDrag;
-    QListWidget* m_partPresetList = nullptr;
-    QListWidget* m_patternPresetList = nullptr;
+    PresetPanel* m_partPresetPanel = nullptr;
+    PresetPanel* m_patternPresetPanel = nullptr;
+    PartPresetSource* m_partPresetSource = nullptr;       // owned by m_partPresetPanel
+    PatternPresetSource* m_patternPresetSource = nullptr; // owned by m_patternPresetPanel
+    PatternListPanel* m_patternList = nullptr;
+    PartSettingsPanel* m_partSettings = nullptr;
     QStackedWidget* m_sideStack = nullptr;
-    QTreeWidget* m_settingsTree = nullptr;
     MachinePanel* m_machinePanel = nullptr;
     std::map<std::string, QMenu*, std::less<>> m_menus;
 };

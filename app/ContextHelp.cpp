@@ -17,7 +17,8 @@ constexpr const char* kContextProperty = "tonalmancerHelpContext";
 
 // The manual's topics: 1 main window, 3 chord database, 4 generating, 5 editing the database,
 // 6 finding, 7 chord types and scales, 11 the Math Window, 12 the song's machines (the machine
-// view's windows and dialogs are its children).
+// view's windows and dialogs are its children), 13 the pattern list, 14 the part settings,
+// 15 presets.
 struct ClassContext
 {
     const char* className;
@@ -31,7 +32,9 @@ constexpr ClassContext kClassContexts[] = {
     {"app::CSearchInfoWindow", 6},   {"app::CTypeManagerDialog", 7},
     {"app::CChordTypeDialog", 7},    {"app::CScaleDialog", 7},
     {"app::CIntervalListDialog", 7}, {"app::MathWindow", 11},
-    {"app::MachinePanel", 12},
+    {"app::MachinePanel", 12},       {"app::PatternListPanel", 13},
+    {"app::PartSettingsPanel", 14},  {"app::PresetPanel", 15},
+    {"app::AddPresetDialog", 15},
 };
 
 } // namespace

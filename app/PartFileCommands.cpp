@@ -1,10 +1,10 @@
 #include "app/PartFileCommands.h"
 
-#include "app/AddPresetDialog.h"
 #include "app/CTonalmancerView.h"
 #include "app/FileFilters.h"
 #include "app/MessageBoxes.h"
 #include "app/PartSession.h"
+#include "app/PresetPanel.h"
 #include "app/WaitCursor.h"
 #include "part/PartFile.h"
 
@@ -160,32 +160,17 @@ bool PartFileCommands::openAtStart(const QString& path)
 
 bool PartFileCommands::addToPresetsNamed(const QString& name)
 {
-    const music::Result result =
-        m_view.partPresets().add(m_session.part(), name.toStdString(),
-                                 m_dataFolder.file(part::PartPresetList::kDefaultFileName));
-    m_view.notifyPartPresetsChanged();
-    return report(result.ok(), QString::fromStdString(result.message()));
+    return m_view.partPresetPanel()->addCurrentNamed(name);
 }
 
 bool PartFileCommands::hasCurrentPreset() const
 {
-    const int index = m_view.currentPartPreset();
-    return index >= 0 && index < m_view.partPresets().count();
+    return m_view.currentPartPreset() >= 0;
 }
 
 bool PartFileCommands::replaceCurrentPreset()
 {
-    if (!hasCurrentPreset())
-        return false;
-    const int index = m_view.currentPartPreset();
-    const QString name = QString::fromStdString(m_view.partPresets().preset(index).name);
-    if (!MessageBoxes::askYesNo(&m_view,
-                                tr("Replace the part preset \"%1\" by the part?").arg(name)))
-        return false;
-    const music::Result result = m_view.partPresets().replace(
-        index, m_session.part(), m_dataFolder.file(part::PartPresetList::kDefaultFileName));
-    m_view.notifyPartPresetsChanged();
-    return report(result.ok(), QString::fromStdString(result.message()));
+    return hasCurrentPreset() && m_view.partPresetPanel()->replaceCurrentPreset();
 }
 
 // ---- dialog front ends -----------------------------------------------------------------------
@@ -234,9 +219,7 @@ void PartFileCommands::askLoadDefaultPart()
 
 void PartFileCommands::askAddToPresets()
 {
-    AddPresetDialog dialog(&m_view);
-    if (dialog.exec() == QDialog::Accepted)
-        addToPresetsNamed(dialog.name());
+    m_view.partPresetPanel()->addCurrent();
 }
 
 } // namespace app

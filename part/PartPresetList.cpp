@@ -4,6 +4,7 @@
 #include "music/SafeFileWriter.h"
 #include "music/TextLineReader.h"
 #include "part/PartTextFormat.h"
+#include "part/PresetOrder.h"
 
 namespace part {
 
@@ -122,6 +123,13 @@ music::Result PartPresetList::remove(int index, const std::filesystem::path& fil
     if (index < 0 || index >= count())
         return music::Result::success();
     m_presets.erase(m_presets.begin() + index);
+    return save(file);
+}
+
+music::Result PartPresetList::sortByName(bool upwards, const std::filesystem::path& file)
+{
+    part::sortByName(m_presets, upwards,
+                     [](const PartPreset& p) -> const std::string& { return p.name; });
     return save(file);
 }
 

@@ -4,6 +4,7 @@
 #include "music/SafeFileWriter.h"
 #include "music/TextLineReader.h"
 #include "part/PartTextFormat.h"
+#include "part/PresetOrder.h"
 
 namespace part {
 
@@ -74,6 +75,17 @@ music::Result PatternPresetList::remove(int index, const std::filesystem::path& 
     if (index < 0 || index >= count())
         return music::Result::success();
     m_list.removeAt(index);
+    return save(file);
+}
+
+music::Result PatternPresetList::sortByName(bool upwards, const std::filesystem::path& file)
+{
+    std::vector<Pattern> presets = m_list.patterns();
+    part::sortByName(presets, upwards,
+                     [](const Pattern& p) -> const std::string& { return p.name(); });
+    m_list.clear();
+    for (Pattern& preset : presets)
+        m_list.append(std::move(preset));
     return save(file);
 }
 

@@ -49,6 +49,8 @@ public:
     music::Result replace(int index, const Pattern& pattern, const std::filesystem::path& file);
     music::Result rename(int index, const std::string& name, const std::filesystem::path& file);
     music::Result remove(int index, const std::filesystem::path& file);
+    /** Sorts the presets by name (see part::sortByName), then saves. */
+    music::Result sortByName(bool upwards, const std::filesystem::path& file);
 
 private:
     PatternList m_list;

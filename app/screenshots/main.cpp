@@ -1,5 +1,6 @@
 // Takes the screenshots of the manual: starts the program as a user would, opens the main window
 // and each dialog in turn, and saves what they show as PNG files into the folder given.
+#include "app/AddPresetDialog.h"
 #include "app/CAboutDialog.h"
 #include "app/CChordFromListDialog.h"
 #include "app/CChordTypeDialog.h"
@@ -34,10 +35,14 @@
 #include "app/PartListModel.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
+#include "app/PartSettingsModel.h"
+#include "app/PartSettingsPanel.h"
 #include "app/PatternChartWindow.h"
 #include "app/PatternGridPanel.h"
 #include "app/PatternInfoWindow.h"
+#include "app/PatternListPanel.h"
 #include "app/PatternTrackHeader.h"
+#include "app/PresetPanel.h"
 #include "app/RecipeListModel.h"
 #include "app/TransportController.h"
 #include "app/TransposeDialog.h"
@@ -241,6 +246,36 @@ int main(int argc, char* argv[])
         auto* grid = qobject_cast<app::PatternGridPanel*>(view.regions().patternGrid);
         grid->moveCursorTo(2, 1);
         save(*grid, folder, QStringLiteral("pattern-editor"));
+        // The settings view and the presets beside the pattern list, with its context menu.
+        view.patternPresetPanel()->setCurrentPreset(1);
+        if (auto* side = view.findChild<QWidget*>(QStringLiteral("side")))
+            save(*side, folder, QStringLiteral("settings-and-presets"));
+        QMenu* patternMenu = view.contextMenu("patternList");
+        patternMenu->popup(view.patternList()->viewport()->mapToGlobal(QPoint(60, 40)));
+        settle();
+        save(*patternMenu, folder, QStringLiteral("pattern-list-menu"));
+        patternMenu->hide();
+        // A track's octave chosen in place, a preset list's menu and the "Add Preset" dialog.
+        app::PartSettingsPanel& settings = *view.partSettings();
+        const QModelIndex track3 =
+            settings.model()->index(app::PartSettingsModel::FirstTrackRow + 2, 1);
+        settings.setCurrentIndex(track3);
+        settings.edit(track3);
+        settle();
+        save(settings, folder, QStringLiteral("settings-track-octave"));
+        if (QWidget* editor = settings.indexWidget(track3))
+            QTest::keyClick(editor, Qt::Key_Escape); // closed without a change
+        settings.setCurrentIndex({});
+        QMenu* presetMenu = view.contextMenu("patternPresets");
+        presetMenu->popup(view.patternPresetPanel()->viewport()->mapToGlobal(QPoint(60, 30)));
+        settle();
+        save(*presetMenu, folder, QStringLiteral("preset-list-menu"));
+        presetMenu->hide();
+        view.patternPresetPanel()->addCurrent([&folder](app::AddPresetDialog& dialog) {
+            save(dialog, folder, QStringLiteral("add-preset-dialog"));
+            dialog.hide();
+            return false;
+        });
 
         // The track headers' menu, and the Math Window with its Euclidean arpeggio previewed.
         QMenu* header = grid->trackHeaderMenu();

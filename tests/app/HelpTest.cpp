@@ -241,6 +241,9 @@ TEST_F(HelpInTheWindow, F1OpensTheTopicOfTheWindowOrRegionInUse)
         {view().mathWindow()->textEdit(), "topic-11"},
         {view().machinePanel()->view(), "topic-12"},
         {view().machinePanel()->showPatternInfo()->table(), "topic-12"},
+        {view().regions().patternList, "topic-13"},
+        {view().regions().partSettings, "topic-14"},
+        {view().regions().patternPresets, "topic-15"},
     };
     for (const auto& [widget, topic] : cases) {
         SCOPED_TRACE(topic);

@@ -15,6 +15,7 @@
 #include "app/PartListCommands.h"
 #include "app/PartListPanel.h"
 #include "app/PartSession.h"
+#include "app/PresetPanel.h"
 #include "part/PartFile.h"
 
 #include <QAbstractItemModelTester>
@@ -24,7 +25,6 @@
 #include <QComboBox>
 #include <QFile>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMenu>
 #include <QMimeData>
 #include <QPrintPreviewDialog>
@@ -570,9 +570,9 @@ TEST_F(PartList, PartPresetsTakeTheWholePartUnderTheirName)
 
     // Replace Current Preset: the first preset becomes the part, keeping its name; the default
     // file holds it at once.
-    auto* presets = qobject_cast<QListWidget*>(view().regions().partPresets);
+    app::PresetPanel* presets = view().partPresetPanel();
     ASSERT_NE(presets, nullptr);
-    presets->setCurrentRow(0);
+    presets->setCurrentPreset(0);
     const std::string name = view().partPresets().preset(0).name;
     panel().selectRows({2});
     trigger("partList.remove");
@@ -583,7 +583,7 @@ TEST_F(PartList, PartPresetsTakeTheWholePartUnderTheirName)
     ASSERT_TRUE(reread.load(m_data.file(QStringLiteral("default.ppr")).toStdString()));
     EXPECT_EQ(reread.preset(0).part.count(), 6);
     EXPECT_EQ(reread.count(), before + 1);
-    EXPECT_EQ(presets->currentRow(), 0);
+    EXPECT_EQ(presets->currentPreset(), 0);
 
     // Answered No, the preset stays.
     m_messages.queueAnswer(QMessageBox::No);

@@ -2,10 +2,9 @@
 #include "AppTestSupport.h"
 
 #include "app/CTempoBar.h"
+#include "app/PartSettingsPanel.h"
 
 #include <QFile>
-#include <QListWidget>
-#include <QTreeWidget>
 
 #include <set>
 
@@ -13,11 +12,11 @@ namespace {
 
 using Startup = apptest::AppFixture;
 
-QStringList settingLabels(const QTreeWidget* tree)
+QStringList settingLabels(const QAbstractItemModel* settings)
 {
     QStringList labels;
-    for (int row = 0; row < tree->topLevelItemCount(); ++row)
-        labels << tree->topLevelItem(row)->text(0);
+    for (int row = 0; row < settings->rowCount(); ++row)
+        labels << settings->index(row, 0).data().toString();
     return labels;
 }
 
@@ -34,7 +33,7 @@ TEST_F(Startup, OpensWithTheShippedDefaultsAndAnEmptySong)
     for (int track = 1; track <= 8; ++track)
         expected << QStringLiteral("Track %1").arg(track);
     expected << QStringLiteral("Def Octave") << QStringLiteral("Def Length");
-    EXPECT_EQ(settingLabels(view().settingsTree()), expected);
+    EXPECT_EQ(settingLabels(view().partSettings()->model()), expected);
 }
 
 TEST_F(Startup, EveryRegionIsNamedForAssistiveTechnologyAndTheLayoutStore)

@@ -170,3 +170,40 @@ TEST(PresetLists, HugeCountsInShortOrCutFilesMakeFewRecords)
         EXPECT_LE(parts.count(), 7) << size;
     }
 }
+
+TEST(PresetLists, SortByNameIgnoresCaseKeepsEqualNamesInOrderAndSaves)
+{
+    const std::vector<std::string> names = {"beta", "Alpha", "gamma", "alpha", "Beta2", ""};
+    const struct
+    {
+        bool upwards;
+        std::vector<std::string> expected;
+    } cases[] = {
+        {true, {"", "Alpha", "alpha", "beta", "Beta2", "gamma"}},
+        {false, {"gamma", "Beta2", "beta", "Alpha", "alpha", ""}},
+    };
+    TempFolder folder;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.upwards);
+        PatternPresetList patterns;
+        PartPresetList parts;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            Pattern p = patternWith(static_cast<int>(i));
+            p.setName(names[i]);
+            patterns.append(p);
+            parts.append(
+                PartPresetList::presetOf(smallPart(static_cast<std::uint16_t>(60 + i)), names[i]));
+        }
+        expectSaved(patterns.sortByName(c.upwards, folder.path() / "s.spr"), patterns,
+                    folder.path() / "s.spr");
+        expectSaved(parts.sortByName(c.upwards, folder.path() / "s.ppr"), parts,
+                    folder.path() / "s.ppr");
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            EXPECT_EQ(patterns.preset(static_cast<int>(i)).name(), c.expected[i]) << i;
+            EXPECT_EQ(parts.preset(static_cast<int>(i)).name, c.expected[i]) << i;
+        }
+        // Each preset's content moved with its name.
+        EXPECT_EQ(parts.preset(c.upwards ? 1 : 3).part.beatsPerMinute(), 61);
+        EXPECT_EQ(patterns.preset(c.upwards ? 2 : 4).cell(3, 3).kind, CellKind::ChordNote);
+    }
+}
