@@ -6,7 +6,6 @@ namespace commands {
 
 namespace {
 
-constexpr bool kLater = false; // belongs to the part editor and song windows
 
 // clang-format off
 constexpr std::array kMenuBar = {
