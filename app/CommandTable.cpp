@@ -6,7 +6,6 @@ namespace commands {
 
 namespace {
 
-
 // clang-format off
 constexpr std::array kMenuBar = {
     CommandEntry{"file.new", "&File", "&New", "Ctrl+N", "Create a new Buzz song."},
