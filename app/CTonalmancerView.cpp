@@ -200,12 +200,23 @@ QWidget* CTonalmancerView::createPatternGridPanel()
     registerContextMenu("patternEditor", grid->contextMenu());
     registerContextMenu("trackHeader", grid->trackHeaderMenu());
     new PatternTrackCommands(*grid);
-    m_mathWindow = new MathWindow(
-        *m_partSession, *grid, m_dataFolder.userFolder() / part::PatternRecipeList::kFileName,
-        [this](std::string_view id) { return m_frame.action(id); }, this);
-    connect(m_frame.action("view.mathWindow"), &QAction::triggered, m_mathWindow,
-            &MathWindow::showWindow);
+    m_patternGrid = grid;
+    m_recipeFile =
+        m_dataFolder.userFolder() / part::PatternRecipeList::kFileName; // makes the folder
+    connect(m_frame.action("view.mathWindow"), &QAction::triggered, this,
+            [this] { mathWindow()->showWindow(); });
     return grid;
+}
+
+MathWindow* CTonalmancerView::mathWindow()
+{
+    // Built when first asked for: most sessions never open it.
+    if (m_mathWindow == nullptr) {
+        m_mathWindow = new MathWindow(
+            *m_partSession, *m_patternGrid, m_recipeFile,
+            [this](std::string_view id) { return m_frame.action(id); }, this);
+    }
+    return m_mathWindow;
 }
 
 QWidget* CTonalmancerView::createPartSettingsPanel()

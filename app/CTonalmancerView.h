@@ -38,6 +38,7 @@ class PartMidiDrag;
 class PartPresetSource;
 class PartSession;
 class PartSettingsPanel;
+class PatternGridPanel;
 class PatternListPanel;
 class PatternPresetSource;
 class PresetPanel;
@@ -93,8 +94,8 @@ public:
     /** The MIDI input device the settings name. */
     MidiInputController* midiInput() const { return m_midiInput; }
     VoicingCommands* voicing() const { return m_voicing; }
-    /** The pattern generator window (View > Math Window). */
-    MathWindow* mathWindow() const { return m_mathWindow; }
+    /** The pattern generator window (View > Math Window), built on first use. */
+    MathWindow* mathWindow();
     /** The Part menu's files and presets. */
     PartFileCommands* partFiles() const { return m_partFiles; }
     /** The part's name for the window title, "*" marking unsaved changes. */
@@ -178,7 +179,9 @@ private:
     PartSession* m_partSession = nullptr;
     PartFileCommands* m_partFiles = nullptr;
     PartListPanel* m_partList = nullptr;
+    PatternGridPanel* m_patternGrid = nullptr;
     MathWindow* m_mathWindow = nullptr;
+    std::filesystem::path m_recipeFile; // the Math Window's user recipes
     KeyboardPanel* m_keyboard = nullptr;
     QDockWidget* m_keyboardDock = nullptr;
     MidiInputController* m_midiInput = nullptr;

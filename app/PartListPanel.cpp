@@ -236,7 +236,10 @@ void PartListPanel::setDisplay(PartListModel::Display display)
         item->setChecked(!notes);
     if (auto* item = m_menu->findChild<QAction*>(QStringLiteral("partList.viewNotes")))
         item->setChecked(notes);
-    QSettings().setValue(kDisplayKey, notes);
+    // Written only when it changes: start-up sets the stored choice and need not write it back.
+    QSettings settings;
+    if (settings.value(kDisplayKey).toBool() != notes)
+        settings.setValue(kDisplayKey, notes);
 }
 
 // ---- selection -------------------------------------------------------------------------------

@@ -303,6 +303,21 @@ TEST_F(MathWindowTest, RecipesAreSavedInTheUserFolderAndReadBackNextTime)
     EXPECT_EQ(list.rowCount(), list.userRow(1));
 }
 
+TEST_F(MathWindowTest, IsBuiltByItsCommandAndKeptAfterwards)
+{
+    // Start-up leaves it unbuilt; the menu command builds and shows it, and keeps that one.
+    EXPECT_EQ(view().findChild<app::MathWindow*>(), nullptr);
+    open();
+    app::MathWindow* first = view().findChild<app::MathWindow*>();
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(first, &window());
+    first->hide();
+    open();
+    EXPECT_EQ(view().findChildren<app::MathWindow*>().size(), 1);
+    choose(QStringLiteral("Arpeggio up"));
+    EXPECT_TRUE(window().apply());
+}
+
 TEST_F(MathWindowTest, AnUnreadableRecipeFileIsShownAndNeverOverwritten)
 {
     const QByteArray broken = "Tonalmancer pattern recipes\narpeggio order=sideways\n";
