@@ -86,7 +86,10 @@ CTypeManagerDialog::CTypeManagerDialog(music::ChordTypeList& types, music::Scale
     chordLayout->addWidget(button(tr("&Remove"), this, [this] { removeChordTypes(); }), 1, 2);
     chordLayout->addWidget(
         button(tr("&Defaults"), this,
-               [this] { loadChordTypes(fromStd(m_dataFolder.file(music::ChordTypeList::kDefaultFileName).string())); }),
+               [this] {
+                   loadChordTypes(
+                       fromStd(m_dataFolder.file(music::ChordTypeList::kDefaultFileName).string()));
+               }),
         1, 3);
     chordLayout->addWidget(button(tr("&Load..."), this,
                                   [this] {
@@ -116,7 +119,10 @@ CTypeManagerDialog::CTypeManagerDialog(music::ChordTypeList& types, music::Scale
     scaleLayout->addWidget(button(tr("Remo&ve"), this, [this] { removeScales(); }), 1, 2);
     scaleLayout->addWidget(
         button(tr("De&faults"), this,
-               [this] { loadScales(fromStd(m_dataFolder.file(music::ScaleList::kDefaultFileName).string())); }),
+               [this] {
+                   loadScales(
+                       fromStd(m_dataFolder.file(music::ScaleList::kDefaultFileName).string()));
+               }),
         1, 3);
     scaleLayout->addWidget(button(tr("L&oad..."), this,
                                   [this] {
@@ -154,7 +160,9 @@ void CTypeManagerDialog::buildMenus()
     const auto chordDefault = [this] {
         return fromStd(m_dataFolder.file(music::ChordTypeList::kDefaultFileName).string());
     };
-    const auto scaleDefault = [this] { return fromStd(m_dataFolder.file(music::ScaleList::kDefaultFileName).string()); };
+    const auto scaleDefault = [this] {
+        return fromStd(m_dataFolder.file(music::ScaleList::kDefaultFileName).string());
+    };
     ActionFactory::onTriggered(m_chordMenu, "types.removeChord", this,
                                [this] { removeChordTypes(); });
     ActionFactory::onTriggered(m_chordMenu, "types.renameChord", this, [this] {

@@ -35,7 +35,6 @@ class ChordDatabasePanel : public QWidget
 {
     Q_OBJECT
 public:
-
     /** Levels of the tree, from the base group (1) down to the chord (4). */
     enum Level : int
     {

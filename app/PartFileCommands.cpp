@@ -94,12 +94,7 @@ void PartFileCommands::newPart()
 bool PartFileCommands::loadPartFrom(const QString& path)
 {
     part::Part loaded;
-    music::Result result;
-    {
-        WaitCursor wait;
-        result = part::PartFile::load(path.toStdString(), loaded);
-    }
-    if (!report(result.ok(), QString::fromStdString(result.message())))
+    if (!loadReporting(path, loaded))
         return false;
     m_session.loadPart(std::move(loaded), path);
     return true;
@@ -147,15 +142,20 @@ void PartFileCommands::loadAtStart()
 bool PartFileCommands::openAtStart(const QString& path)
 {
     part::Part loaded;
+    if (!loadReporting(path, loaded))
+        return false;
+    m_session.reset(std::move(loaded), path);
+    return true;
+}
+
+bool PartFileCommands::loadReporting(const QString& path, part::Part& loaded)
+{
     music::Result result;
     {
         WaitCursor wait;
         result = part::PartFile::load(path.toStdString(), loaded);
     }
-    if (!report(result.ok(), QString::fromStdString(result.message())))
-        return false;
-    m_session.reset(std::move(loaded), path);
-    return true;
+    return report(result.ok(), QString::fromStdString(result.message()));
 }
 
 bool PartFileCommands::addToPresetsNamed(const QString& name)

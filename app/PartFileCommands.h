@@ -6,6 +6,10 @@
 #include <QObject>
 #include <QString>
 
+namespace part {
+class Part;
+}
+
 namespace app {
 
 class CTonalmancerView;
@@ -68,6 +72,8 @@ public:
 
 private:
     bool report(bool ok, const QString& message);
+    /** Loads the part file at `path` into `loaded` under a wait cursor; a failure is reported. */
+    bool loadReporting(const QString& path, part::Part& loaded);
 
     CTonalmancerView& m_view;
     PartSession& m_session;

@@ -4,13 +4,13 @@
 #include "cli/LiveMidi.h"
 #include "cli/PartOptions.h"
 
-#include "player/PartPlayer.h"
 #include "midi/MidiPortList.h"
 #include "midi/MidiSettings.h"
 #include "midi/ShortMessage.h"
 #include "midi/SystemMidiPortList.h"
 #include "music/TextLineReader.h"
 #include "part/PartFile.h"
+#include "player/PartPlayer.h"
 
 #include <QCoreApplication>
 #include <QTimer>

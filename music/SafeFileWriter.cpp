@@ -44,7 +44,8 @@ bool syncToDisk(std::FILE* file)
 
 } // namespace
 
-SafeFileWriter::SafeFileWriter(std::filesystem::path target) : m_target(std::move(target)) {}
+SafeFileWriter::SafeFileWriter(std::filesystem::path target) : m_target(std::move(target))
+{}
 
 SafeFileWriter::~SafeFileWriter()
 {
@@ -127,7 +128,8 @@ bool SafeFileWriter::commit()
     if (ok) {
 #ifndef _WIN32
         // Keep the permissions of the file being replaced.
-        struct stat old {};
+        struct stat old
+        {};
         if (::stat(m_target.c_str(), &old) == 0)
             ::chmod(m_temporary.c_str(), old.st_mode & 07777);
 #endif

@@ -366,8 +366,8 @@ PartWriteResult Writer::run()
             name = base + "-" + std::to_string(counter);
         names.insert(name);
 
-        const std::optional<std::size_t> pattern =
-            m_song.createPattern(m_machine, std::move(name), static_cast<std::uint16_t>(chord.rows()));
+        const std::optional<std::size_t> pattern = m_song.createPattern(
+            m_machine, std::move(name), static_cast<std::uint16_t>(chord.rows()));
         if (!pattern)
             return fail(PartWriter::kCreatePatternFailed);
 

@@ -10,13 +10,16 @@
 #include "app/MessageBoxes.h"
 #include "midi/MidiPortList.h"
 
+#include <QApplication>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <functional>
 #include <memory>
 
 namespace apptest {
@@ -115,6 +118,21 @@ protected:
     std::shared_ptr<FakePortList> m_ports = std::make_shared<FakePortList>();
     std::unique_ptr<app::CTonalmancerApp> m_app;
 };
+
+/**
+ * Runs `answer` on the modal dialog that the command triggered next opens; `seen` tells whether
+ * one of type Dialog opened (it must outlive that command).
+ */
+template <typename Dialog> void onDialog(std::function<void(Dialog&)> answer, bool& seen)
+{
+    seen = false;
+    QTimer::singleShot(0, [answer, &seen] {
+        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        seen = dialog != nullptr;
+        if (dialog != nullptr)
+            answer(*dialog);
+    });
+}
 
 /** The shared song corpus, or an empty text (the caller skips). */
 QString songCorpus();

@@ -44,17 +44,7 @@ using app::PartSession;
 
 const QString kCli = QStringLiteral(TM_BINARY_DIR "/bin/tonalmancer-cli");
 
-/** Runs `answer` on the modal dialog that the command triggered next opens. */
-template <typename Dialog> void onDialog(std::function<void(Dialog&)> answer, bool& seen)
-{
-    seen = false;
-    QTimer::singleShot(0, [answer, &seen] {
-        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-        seen = dialog != nullptr;
-        if (dialog != nullptr)
-            answer(*dialog);
-    });
-}
+using apptest::onDialog;
 
 class PartExport : public apptest::AppFixture
 {

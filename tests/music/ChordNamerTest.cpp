@@ -251,8 +251,8 @@ TEST(ChordNamer, EveryPitchClassSetGetsNamesThatHoldExactlyItsNotes)
     // Every set once without a bass and once over one of its notes, each note in turn; spelled
     // without a key, in G# minor (with its F##) and in Db major, in turn.
     const ChordNamer& namer = shippedNamer();
-    const std::array<NoteSpeller, 3> spellers = {
-        NoteSpeller(), NoteSpeller::forKey({4, 1}, true), NoteSpeller::forKey({1, -1}, false)};
+    const std::array<NoteSpeller, 3> spellers = {NoteSpeller(), NoteSpeller::forKey({4, 1}, true),
+                                                 NoteSpeller::forKey({1, -1}, false)};
     for (std::uint16_t mask = 1; mask < 4096; ++mask) {
         const PitchClassSet set(mask);
         const std::vector<PitchClass> members = set.pitchClasses();

@@ -2,6 +2,7 @@
 // a private dummy JACK server, and through the built-in synth into a WAV file.
 
 #include "PlaybackTestSupport.h"
+#include "ScratchFolderTest.h"
 
 #include "midi/BuiltInSynth.h"
 #include "music/FileBytes.h"
@@ -77,13 +78,6 @@ kill -TERM $server; wait $server 2>/dev/null; server=
 wait $player; echo $? >"$dir/shutdown.status"
 )";
 
-/** Runs a shell command line; its exit status (-1 when it did not exit normally). */
-int runShell(const std::string& commandLine)
-{
-    const int status = std::system(commandLine.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 /** The messages of a jack_midi_dump listing: "  frame: 90 30 51 note on ...", bytes in hex. */
 std::vector<std::vector<int>> parseDump(const std::string& text)
 {
@@ -99,24 +93,15 @@ std::vector<std::vector<int>> parseDump(const std::string& text)
     return messages;
 }
 
-class EndToEnd : public ::testing::Test
+class EndToEnd : public ScratchFolderTest
 {
 protected:
+    EndToEnd() : ScratchFolderTest("tm-e2e") {}
     void SetUp() override
     {
-        fs::create_directories(m_folder);
+        ScratchFolderTest::SetUp();
         ASSERT_TRUE(part::PartFile::save(file("test.prt"), makeTestPart()).ok());
     }
-    void TearDown() override { fs::remove_all(m_folder); }
-    std::string file(const char* name) const { return (m_folder / name).string(); }
-    std::string text(const char* name) const
-    {
-        return music::readFileBytes(file(name)).value_or("");
-    }
-
-    const fs::path m_folder = fs::temp_directory_path() /
-                              ("tm-e2e-" + std::to_string(getpid()) + "-" +
-                               ::testing::UnitTest::GetInstance()->current_test_info()->name());
 };
 
 } // namespace

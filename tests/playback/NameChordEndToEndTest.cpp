@@ -1,7 +1,7 @@
 // Naming chords played on a MIDI keyboard: jack_midiseq plays E G C on a private dummy JACK
 // server, and the command-line program's --listen mode names it from its own input port.
 
-#include "music/FileBytes.h"
+#include "ScratchFolderTest.h"
 
 #include <gtest/gtest.h>
 
@@ -65,26 +65,10 @@ ended $listener || exit 6
 wait $listener; echo $? >"$dir/shutdown.status"; listener=
 )";
 
-int runShell(const std::string& commandLine)
-{
-    const int status = std::system(commandLine.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-class NameChordEndToEnd : public ::testing::Test
+class NameChordEndToEnd : public ScratchFolderTest
 {
 protected:
-    void SetUp() override { fs::create_directories(m_folder); }
-    void TearDown() override { fs::remove_all(m_folder); }
-    std::string file(const char* name) const { return (m_folder / name).string(); }
-    std::string text(const char* name) const
-    {
-        return music::readFileBytes(file(name)).value_or("");
-    }
-
-    const fs::path m_folder = fs::temp_directory_path() /
-                              ("tm-listen-" + std::to_string(getpid()) + "-" +
-                               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    NameChordEndToEnd() : ScratchFolderTest("tm-listen") {}
 };
 
 } // namespace
