@@ -121,17 +121,21 @@ music::Result writeThroughTemporary(const fs::path& dataDir, std::uint16_t count
     return music::Result::success();
 }
 
-/** The subfolder of `dir` with this name in any case; an exact match wins. */
+/**
+ * The subfolder of `dir` with this name in any case, spelt as it is on disk (also where the file
+ * system ignores case, so that reports name the folder the user sees); an exact match wins.
+ */
 std::optional<fs::path> findSubfolder(const fs::path& dir, std::string_view name)
 {
     std::error_code error;
-    if (fs::is_directory(dir / name, error))
-        return dir / name;
     std::vector<fs::path> matches;
     for (fs::directory_iterator it(dir, error), end; !error && it != end; it.increment(error)) {
-        if (it->is_directory(error) &&
-            music::equalsIgnoringCase(music::utf8FromPath(it->path().filename()), name))
-            matches.push_back(it->path());
+        const std::string entry = music::utf8FromPath(it->path().filename());
+        if (!it->is_directory(error) || !music::equalsIgnoringCase(entry, name))
+            continue;
+        if (entry == name)
+            return it->path();
+        matches.push_back(it->path());
     }
     if (matches.empty())
         return std::nullopt;
