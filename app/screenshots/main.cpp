@@ -54,8 +54,8 @@
 #include "song/PartWriter.h"
 
 #include <QApplication>
-#include <QDockWidget>
 #include <QDir>
+#include <QDockWidget>
 #include <QListView>
 #include <QMenu>
 #include <QPalette>

@@ -258,10 +258,10 @@ TEST_F(MainWindowCommands, PlayingFlagsDecideWhichPlayButtonsShowPressed)
 
 TEST_F(MainWindowCommands, EveryRegionsCommandsAreAvailable)
 {
-    for (const char* id : {"file.open", "chords.manager", "chords.findChord", "help.about",
-                           "part.new", "part.createMidiFile", "part.createBuzzPatterns",
-                           "part.play", "machines.add", "view.machineInfo", "view.patternInfo",
-                           "part.addPatternToPresets"})
+    for (const char* id :
+         {"file.open", "chords.manager", "chords.findChord", "help.about", "part.new",
+          "part.createMidiFile", "part.createBuzzPatterns", "part.play", "machines.add",
+          "view.machineInfo", "view.patternInfo", "part.addPatternToPresets"})
         EXPECT_TRUE(frame().action(id)->isEnabled()) << id;
 }
 

@@ -422,12 +422,12 @@ TEST_F(PartWriterTest, SequenceWidthsGrowWithChordCountAndTotalLength)
         int chords;
         std::uint8_t length, positionWidth, eventWidth;
     } cases[] = {
-        {112, 2, 1, 1},  // 224 rows
-        {113, 2, 1, 2},  // the song writer widens values beyond 112 patterns
-        {121, 1, 1, 2},  // 121 chords
-        {51, 5, 1, 1},   // 255 rows
-        {64, 4, 2, 1},   // 256 rows
-        {130, 64, 2, 2}  // positions beyond one byte, values beyond one byte
+        {112, 2, 1, 1}, // 224 rows
+        {113, 2, 1, 2}, // the song writer widens values beyond 112 patterns
+        {121, 1, 1, 2}, // 121 chords
+        {51, 5, 1, 1},  // 255 rows
+        {64, 4, 2, 1},  // 256 rows
+        {130, 64, 2, 2} // positions beyond one byte, values beyond one byte
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::to_string(c.chords) + " x " + std::to_string(c.length));

@@ -22,7 +22,7 @@ using song::ParameterDescription;
 
 namespace {
 
-constexpr std::int32_t kStateFlag = 2;   // the tracker keeps the value as machine state
+constexpr std::int32_t kStateFlag = 2; // the tracker keeps the value as machine state
 
 ParameterDescription param(std::uint8_t type, std::string name, std::int32_t minimum,
                            std::int32_t maximum, std::int32_t noValue, std::int32_t defaultValue,

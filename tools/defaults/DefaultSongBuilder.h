@@ -15,7 +15,7 @@ namespace defaults {
 
 inline constexpr const char* kDynamiteDll = "MadBrain's Dynamite 6";
 inline constexpr const char* kDynamiteName = "Dynamite6";
-inline constexpr std::uint16_t kUnity = 0x4000; // connection amplitude 1.0, panning centre
+inline constexpr std::uint16_t kUnity = 0x4000;     // connection amplitude 1.0, panning centre
 inline constexpr std::uint16_t kDynamiteTracks = 4; // the demo part plays up to four notes at once
 
 /** The polyphonic generator as it describes itself: 25 global and 2 track parameters. */
