@@ -116,7 +116,9 @@ protected:
         jack_set_error_function(ignoreJackText);
         jack_set_info_function(ignoreJackText);
         const char* prefix = std::getenv("TM_JACK_SERVER_PREFIX");
-        m_server = std::string(prefix != nullptr ? prefix : "tmtest") + "-native";
+        // One server per test process: the runner starts the tests of this suite side by side.
+        m_server = std::string(prefix != nullptr ? prefix : "tmtest") + "-native-" +
+                   std::to_string(getpid());
         setenv("JACK_DEFAULT_SERVER", m_server.c_str(), 1);
         setenv("JACK_NO_AUDIO_RESERVATION", "1", 1);
         // Real-time first where allowed: a loaded machine makes a server without it miss cycles.
