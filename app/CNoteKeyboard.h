@@ -28,6 +28,9 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+    /** Whether the pitch class (0 = C) is a black key of the piano. */
+    static bool isBlack(int pitchClass);
+
 Q_SIGNALS:
     void ticksChanged();
 
@@ -37,7 +40,6 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    static bool isBlack(int pitchClass);
     QRectF keyRect(int pitchClass) const;
     int keyAt(QPointF point) const;
 

@@ -457,13 +457,19 @@ bool KeyboardPanel::addToPart()
     return true;
 }
 
+music::SearchCriteria::Ticks KeyboardPanel::pitchClassTicks() const
+{
+    music::SearchCriteria::Ticks ticks{};
+    for (int note : m_notes)
+        ticks[music::pitchClassOf(note)] = true;
+    return ticks;
+}
+
 void KeyboardPanel::findChord()
 {
     if (m_notes.empty())
         return;
-    music::SearchCriteria::Ticks ticks{};
-    for (int note : m_notes)
-        ticks[music::pitchClassOf(note)] = true;
+    const music::SearchCriteria::Ticks ticks = pitchClassTicks();
     m_searching = true;
     m_chordDatabase.menuCommands().findChordWith(ticks, {}, {});
     m_searching = false;
@@ -486,9 +492,7 @@ void KeyboardPanel::findScale()
 {
     if (m_notes.empty())
         return;
-    music::SearchCriteria::Ticks ticks{};
-    for (int note : m_notes)
-        ticks[music::pitchClassOf(note)] = true;
+    const music::SearchCriteria::Ticks ticks = pitchClassTicks();
     m_searching = true;
     m_chordDatabase.menuCommands().findScaleWith(ticks, {}, {});
     m_chordDatabase.menuCommands().showSearchInfo();

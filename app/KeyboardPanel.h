@@ -2,6 +2,7 @@
 
 #include "music/ChordCandidate.h"
 #include "music/NoteSpeller.h"
+#include "music/SearchCriteria.h"
 
 #include <QString>
 #include <QWidget>
@@ -111,6 +112,8 @@ protected:
 
 private:
     QWidget* createButtons();
+    /** The pitch classes of the chosen notes, as the searches take them. */
+    music::SearchCriteria::Ticks pitchClassTicks() const;
     void fillKeys();
     void connectSources();
     void connectInput();

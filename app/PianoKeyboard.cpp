@@ -1,5 +1,6 @@
 #include "app/PianoKeyboard.h"
 
+#include "app/CNoteKeyboard.h"
 #include "app/PianoKeyboardAccessible.h"
 #include "music/Note.h"
 
@@ -58,16 +59,7 @@ PianoKeyboard::~PianoKeyboard() = default;
 
 bool PianoKeyboard::isBlack(int note)
 {
-    switch (((note % kOctave) + kOctave) % kOctave) {
-    case 1:
-    case 3:
-    case 6:
-    case 8:
-    case 10:
-        return true;
-    default:
-        return false;
-    }
+    return CNoteKeyboard::isBlack(((note % kOctave) + kOctave) % kOctave);
 }
 
 QSize PianoKeyboard::sizeHint() const
