@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QTest>
 
 #include <cstdlib>
 
@@ -45,6 +46,13 @@ bool AppFixture::start(const QStringList& arguments)
     m_app.reset();
     m_app = std::make_unique<app::CTonalmancerApp>(m_ports);
     return m_app->start(QStringList{QStringLiteral("--data"), m_data.path()} + arguments, false);
+}
+
+void AppFixture::showActiveFrame()
+{
+    frame().show();
+    frame().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
 }
 
 QString songCorpus()

@@ -109,6 +109,8 @@ protected:
     bool start(const QStringList& arguments = {});
 
     app::CMainFrame& frame() { return *m_app->mainFrame(); }
+    /** Shows the main window and waits until it is the active window, as a user's would be. */
+    void showActiveFrame();
     app::CTonalmancerView& view() { return *m_app->view(); }
     app::CTonalmancerDoc& document() { return *m_app->document(); }
     app::ChordDatabasePanel& chords() { return *view().chordDatabase(); }

@@ -497,9 +497,7 @@ TEST_F(ChordDatabaseView, F2RenamesInTheTreeAndOpensTheManagerElsewhere)
     chords().collection() = smallCollection();
     chords().refreshTree();
     EXPECT_TRUE(chords().tree()->toolTip().contains(QStringLiteral("F2 renames")));
-    frame().show();
-    frame().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+    showActiveFrame();
 
     struct Case
     {

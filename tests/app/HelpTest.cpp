@@ -200,9 +200,7 @@ protected:
             m_opened << url;
             return m_browserWorks;
         });
-        frame().show();
-        frame().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+        showActiveFrame();
     }
     void TearDown() override
     {

@@ -107,9 +107,7 @@ QString MachineViewFixture::undoText()
 
 void MachineViewFixture::focusMachineList()
 {
-    frame().show();
-    frame().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+    showActiveFrame();
     panel().view()->setFocus();
 }
 

@@ -105,12 +105,7 @@ protected:
         ADD_FAILURE() << "no chord " << name;
         return {};
     }
-    void showWindow()
-    {
-        frame().show();
-        frame().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
-    }
+    void showWindow() { showActiveFrame(); }
 };
 
 TEST_F(PartList, StartsWithTheDefaultPartAndNothingToUndo)

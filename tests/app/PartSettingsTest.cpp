@@ -40,9 +40,7 @@ protected:
         p.patterns().append(second);
         p.setCurrentPattern(1);
         session().loadPart(p, QString());
-        frame().show();
-        frame().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+        showActiveFrame();
     }
     void TearDown() override
     {

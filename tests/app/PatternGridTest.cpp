@@ -41,9 +41,7 @@ protected:
         session().newPart(); // whatever part the program starts with: an empty pattern
         session().setDefaultOctave(4);
         m_panel->moveCursorTo(0, 0);
-        frame().show();
-        frame().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+        showActiveFrame();
         grid()->setFocus();
     }
     void TearDown() override

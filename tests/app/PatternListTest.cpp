@@ -56,9 +56,7 @@ protected:
         ASSERT_NE(m_panel, nullptr);
         m_tester = std::make_unique<QAbstractItemModelTester>(
             m_panel->patternModel(), QAbstractItemModelTester::FailureReportingMode::Warning);
-        frame().show();
-        frame().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+        showActiveFrame();
     }
     void TearDown() override
     {

@@ -105,9 +105,7 @@ protected:
         p.append(chord);
         p.setTempo(100, 4);
         session().loadPart(p, QString());
-        frame().show();
-        frame().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+        showActiveFrame();
     }
     void TearDown() override
     {

@@ -166,9 +166,7 @@ namespace {
 
 TEST_F(Search, KeysWorkInTheShownWindow)
 {
-    frame().show();
-    frame().activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+    showActiveFrame();
     chords().tree()->setFocus();
     chords().menuCommands().findChordWith({}, QStringLiteral("maj"), QString());
     ASSERT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 0));

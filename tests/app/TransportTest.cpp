@@ -61,9 +61,7 @@ protected:
         view().midiSettings().setProgram(5);
         session().reset(threeChords(), {});
         setTempo(1, 1); // a minute a step: only the first row plays until F8
-        frame().show();
-        frame().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+        showActiveFrame();
         chords().tree()->setFocus(); // anywhere in the main window
     }
     void TearDown() override

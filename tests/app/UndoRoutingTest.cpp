@@ -32,9 +32,7 @@ protected:
         m_part = view().regions().partList;
         m_part->setFocusPolicy(Qt::StrongFocus);
 
-        frame().show();
-        frame().activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(&frame()));
+        showActiveFrame();
     }
     void TearDown() override
     {
