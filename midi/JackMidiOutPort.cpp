@@ -3,6 +3,7 @@
 #if defined(TM_HAVE_NATIVE_JACK) && defined(__linux__)
 
 #include "midi/CMIDIOutException.h"
+#include "midi/FrameClock.h"
 #include "midi/JackWatch.h"
 #include "midi/SpscRing.h"
 
@@ -60,9 +61,10 @@ struct JackMidiOutPort::Impl
     /** JACK's clock minus steady_clock, in microseconds (JACK 2 keeps an origin of its own). */
     std::int64_t clockOffsetUs = 0;
     std::atomic<std::int64_t> periodNs{0};
-    std::int64_t sampleRate = 48000;   // frames per second, read at open
+    FrameClock frameClock;             // the process callback's own, set up at open
     std::atomic<bool> flushing{false}; // deliver everything at once, due or not
     std::atomic<bool> shutDown{false}; // our client was thrown out by the server
+    std::atomic<bool> overrun{false};  // the server reported a late cycle: relearn the frames
     bool active = false;               // the process callback runs
     std::atomic<std::uint64_t> cycles{0};
     SpscRing<TimedMessage, 4096> messages; // the sending thread to the process callback
@@ -79,14 +81,12 @@ struct JackMidiOutPort::Impl
     {
         void* buffer = jack_port_get_buffer(port, frames);
         jack_midi_clear_buffer(buffer);
-        // The cycle's first frame and its time on JACK's clock. Within the cycle a due time is
-        // counted in frames at the nominal rate: after an overrun JACK's period estimate is off
-        // for a while, the cycle's start time is not.
-        jack_nframes_t cycleStart = 0;
-        jack_time_t cycleUs = 0;
-        jack_time_t nextUs = 0;
-        float periodUs = 0;
-        jack_get_cycle_times(client, &cycleStart, &cycleUs, &nextUs, &periodUs);
+        // Where the frames stand against JACK's clock, from this cycle's first frame and the
+        // moment this thread woke (JACK's own period estimate wanders by frames after an overrun).
+        if (overrun.exchange(false, std::memory_order_acq_rel))
+            frameClock.forget();
+        frameClock.observeCycle(jack_last_frame_time(client),
+                                static_cast<std::int64_t>(jack_get_time()));
         const bool now = flushing.load(std::memory_order_acquire);
         while (const LongMessage* m = longMessages.front()) {
             if (jack_midi_event_write(buffer, 0, m->bytes.data(), m->size) != 0)
@@ -96,8 +96,8 @@ struct JackMidiOutPort::Impl
         jack_nframes_t offset = 0; // events of a cycle must not go back in time
         while (const TimedMessage* m = messages.front()) {
             if (!now && m->dueUs != 0) {
-                const auto fromCycleUs = static_cast<std::int64_t>(m->dueUs - cycleUs);
-                const std::int64_t ahead = (fromCycleUs * sampleRate + 500'000) / 1'000'000;
+                const std::int64_t ahead =
+                    frameClock.framesFromCycleStart(static_cast<std::int64_t>(m->dueUs));
                 if (ahead >= static_cast<std::int64_t>(frames))
                     break; // due in a later cycle, and so is everything behind it
                 if (ahead > static_cast<std::int64_t>(offset))
@@ -116,6 +116,12 @@ struct JackMidiOutPort::Impl
         const jack_nframes_t rate = jack_get_sample_rate(self->client);
         if (rate != 0)
             self->periodNs = static_cast<std::int64_t>(frames) * 1'000'000'000 / rate;
+        return 0;
+    }
+
+    static int onXrun(void* arg)
+    {
+        static_cast<Impl*>(arg)->overrun.store(true, std::memory_order_release);
         return 0;
     }
 
@@ -182,7 +188,7 @@ std::unique_ptr<JackMidiOutPort> JackMidiOutPort::open(const std::string& portNa
         std::strcmp(jack_port_type(target), JACK_DEFAULT_MIDI_TYPE) != 0) {
         return nullptr; // the destructor closes the client
     }
-    d.sampleRate = jack_get_sample_rate(d.client);
+    d.frameClock.setSampleRate(jack_get_sample_rate(d.client));
     Impl::onBufferSize(jack_get_buffer_size(d.client), &d);
     // Both clocks are read back to back a few times; the closest pair gives the offset.
     std::int64_t bestGap = INT64_MAX;
@@ -197,6 +203,7 @@ std::unique_ptr<JackMidiOutPort> JackMidiOutPort::open(const std::string& portNa
     }
     jack_set_process_callback(d.client, &Impl::process, &d);
     jack_set_buffer_size_callback(d.client, &Impl::onBufferSize, &d);
+    jack_set_xrun_callback(d.client, &Impl::onXrun, &d);
     jack_on_info_shutdown(d.client, &Impl::onShutdown, &d);
     if (jack_activate(d.client) != 0)
         return nullptr;

@@ -10,8 +10,10 @@ namespace midi {
 /**
  * A JACK MIDI port reached through JACK itself rather than RtMidi (Linux only; elsewhere `open`
  * gives nothing and RtMidi is used). Every short message is placed into JACK's MIDI buffer at the
- * frame of its due time, worked out from JACK's own clock in the process callback, so an onset is
- * exact to one frame whatever the period. The sending thread hands messages over through a
+ * frame of its due time, so an onset is exact to about a frame whatever the period: the process
+ * callback learns where JACK's frames stand against JACK's clock from each cycle's first frame and
+ * the moment it woke (FrameClock), and follows the frame counter when an overrun sets it back.
+ * The sending thread hands messages over through a
  * lock-free ring; nothing on either side locks or allocates.
  *
  * The program's client is "Tonalmancer" with the output "midi_out", connected to the chosen port.
