@@ -1,16 +1,20 @@
 // Live playback timing at a JACK receiver, RtMidi and the native JACK output side by side in one
 // run. A private dummy JACK server (48 kHz, 64 frames a period: 1.33 ms) runs under a name of its
 // own; the player sends 2,000 steps of 5 ms to a JACK MIDI port, once through RtMidi and once
-// through the native output, and a receiving client stamps every note-on with its frame (the
-// cycle's first frame plus the event's offset). Each onset is compared with the ideal schedule
-// start + k x interval, the start being the median offset of the first 100 onsets, on two clocks:
-// - JACK's frame clock: the onset frame against k x 240 frames (counters *_frame_*);
-// - the monotonic clock: the cycle's start on JACK's clock plus the event's offset at the
-//   nominal rate (*_clock_*).
+// through the native output, and a receiving client notes every note-on's frame (the cycle's
+// first frame plus the event's offset) and, for every cycle, its first frame and the moment its
+// thread woke. Each onset is compared with the ideal schedule start + k x interval on two clocks:
+// - the monotonic clock (*_clock_*): the onset frame's time, from where the receiver's frames
+//   stood against the clock (FrameTimeline: the earliest wake-ups around it, with hindsight; not
+//   JACK's own period estimate, which wanders by several frames after an overrun). The schedule is
+//   anchored on the median offset of the first 100 onsets.
+// - JACK's frame clock (*_frame_*): the onset frame against k x 240 frames. At each server
+//   overrun the dummy backend restarts its timer without the frames it missed, so its frame
+//   counter falls back against the clock; the schedule is anchored anew after each such jump
+//   (*_frame_jumps counts them), and *_frame_raw_p99_ms is the error with one anchor for the run.
 // p99 is the 99th percentile of the absolute error, drift the mean error of the last 100 onsets;
-// each onset is matched to its nearest step, and steps the server dropped count as *_lost_onsets.
-// *_server_xruns counts the cycles the server reported late meanwhile: the dummy backend drops
-// frames at each, so its frame clock falls behind the monotonic clock that the player follows.
+// each onset is matched to its nearest step on the monotonic clock, and steps the server dropped
+// count as *_lost_onsets. *_server_xruns counts the cycles the server reported late meanwhile.
 // The argument loaded:1 runs a busy loop on every core meanwhile (started and stopped here).
 // TM_BENCH_JACK_RATE and TM_BENCH_JACK_PERIOD choose another server setting (96000 and 32 make
 // 3,000 cycles a second, more than a loaded two-core machine keeps up with).
@@ -51,7 +55,6 @@ constexpr int kBpm = 3000;
 constexpr int kTpb = 4;                           // 5 ms steps
 constexpr const char* kServer = "tmbench-timing"; // fixed: JACK reclaims its registry entry
 constexpr const char* kReceiverPort = "tmbench:in";
-
 /** Every row of every chord plays a note on track 0, so every step has a note-on. */
 part::Part makeDensePart()
 {
@@ -70,19 +73,31 @@ part::Part makeDensePart()
     return p;
 }
 
-/** A JACK client with one MIDI input that stamps every note-on as it arrives. */
+/** A JACK client with one MIDI input that notes every cycle and every note-on as it arrives. */
 class Receiver
 {
 public:
+    /** A process cycle: its first frame and the moment this client's thread woke (JACK's clock). */
+    struct Cycle
+    {
+        jack_nframes_t start = 0;
+        jack_time_t wokeUs = 0;
+    };
+    /** A note-on: the cycle it came in (an index into cycles()) and its frame. */
+    struct Onset
+    {
+        std::size_t cycle = 0;
+        jack_nframes_t frame = 0;
+    };
+
     bool open()
     {
         m_client = jack_client_open("tmbench", JackNoStartServer, nullptr);
         if (m_client == nullptr)
             return false;
         m_port = jack_port_register(m_client, "in", JACK_DEFAULT_MIDI_TYPE, JackPortIsInput, 0);
-        m_frames.assign(kSteps + 256, 0);
-        m_times.assign(kSteps + 256, 0);
-        m_cycleTimes.assign(kSteps + 256, 0);
+        m_onsets.resize(kSteps + 256);
+        m_cycles.resize(200'000); // 40 s of 64-frame cycles at 96 kHz
         jack_set_process_callback(m_client, &Receiver::process, this);
         jack_set_xrun_callback(m_client, &Receiver::xrun, this);
         return m_port != nullptr && jack_activate(m_client) == 0;
@@ -92,37 +107,38 @@ public:
         if (m_client != nullptr)
             jack_client_close(m_client);
     }
+    /** Starts noting afresh (the callback only reads the counts, so this is safe meanwhile). */
     void reset()
     {
         m_count = 0;
+        m_cycleCount = 0;
         m_xruns = 0;
     }
     /** Cycles the server reported late since the last reset. */
     int xruns() const { return m_xruns.load(); }
     int count() const { return m_count.load(); }
     jack_nframes_t sampleRate() const { return jack_get_sample_rate(m_client); }
-    /** Onset frames and their times in microseconds (JACK's conversion), kSteps of each. */
-    std::vector<jack_nframes_t> frames() const
+    std::vector<Onset> onsets() const
     {
-        return {m_frames.begin(), m_frames.begin() + kSteps};
+        return {m_onsets.begin(), m_onsets.begin() + std::min(count(), kSteps)};
     }
-    std::vector<jack_time_t> times() const { return {m_times.begin(), m_times.begin() + kSteps}; }
-    std::vector<double> cycleTimes() const
+    std::vector<Cycle> cycles() const
     {
-        return {m_cycleTimes.begin(), m_cycleTimes.begin() + kSteps};
+        return {m_cycles.begin(), m_cycles.begin() + m_cycleCount.load()};
     }
 
 private:
     static int process(jack_nframes_t frames, void* arg)
     {
         auto* self = static_cast<Receiver*>(arg);
+        const jack_time_t woke = jack_get_time();
+        const jack_nframes_t cycleStart = jack_last_frame_time(self->m_client);
+        const std::size_t cycle = self->m_cycleCount.load();
+        if (cycle >= self->m_cycles.size())
+            return 0;
+        self->m_cycles[cycle] = {cycleStart, woke};
+        self->m_cycleCount.store(cycle + 1);
         void* buffer = jack_port_get_buffer(self->m_port, frames);
-        jack_nframes_t cycleStart = 0;
-        jack_time_t cycleUs = 0;
-        jack_time_t nextUs = 0;
-        float periodUs = 0;
-        jack_get_cycle_times(self->m_client, &cycleStart, &cycleUs, &nextUs, &periodUs);
-        const double rate = jack_get_sample_rate(self->m_client);
         const std::uint32_t events = jack_midi_get_event_count(buffer);
         for (std::uint32_t i = 0; i < events; ++i) {
             jack_midi_event_t event;
@@ -131,13 +147,8 @@ private:
             if ((event.buffer[0] & 0xF0) != 0x90 || event.buffer[2] == 0)
                 continue;
             const int index = self->m_count.load();
-            if (index < static_cast<int>(self->m_frames.size())) {
-                const jack_nframes_t frame = cycleStart + event.time;
-                self->m_frames[static_cast<std::size_t>(index)] = frame;
-                self->m_times[static_cast<std::size_t>(index)] =
-                    jack_frames_to_time(self->m_client, frame);
-                self->m_cycleTimes[static_cast<std::size_t>(index)] =
-                    static_cast<double>(cycleUs) + event.time * 1e6 / rate;
+            if (index < static_cast<int>(self->m_onsets.size())) {
+                self->m_onsets[static_cast<std::size_t>(index)] = {cycle, cycleStart + event.time};
                 self->m_count.store(index + 1);
             }
         }
@@ -153,10 +164,80 @@ private:
     jack_client_t* m_client = nullptr;
     jack_port_t* m_port = nullptr;
     std::atomic<int> m_xruns{0};
-    std::vector<jack_nframes_t> m_frames;
-    std::vector<jack_time_t> m_times;
-    std::vector<double> m_cycleTimes;
+    std::vector<Onset> m_onsets;
+    std::vector<Cycle> m_cycles;
+    std::atomic<std::size_t> m_cycleCount{0};
     std::atomic<int> m_count{0};
+};
+
+/**
+ * The receiver's cycles read after the run, with hindsight: where its frames stood against the
+ * monotonic clock. A cycle's thread wakes some time after the cycle's true start, so "frames minus
+ * elapsed time" is highest for the earliest wake-ups; its highest value within kWindow cycles
+ * either side tells where the frames stand. At a server overrun the frame counter falls back
+ * against the clock: the earliest wake-up of the kEdge cycles after a point lies more than
+ * kJumpFrames below that of the kEdge cycles before it. Such a point starts a new stretch.
+ */
+class FrameTimeline
+{
+public:
+    FrameTimeline(const std::vector<Receiver::Cycle>& cycles, double rate)
+        : m_rate(rate), m_stretch(cycles.size(), 0), m_level(cycles.size(), 0)
+    {
+        if (cycles.empty())
+            return;
+        m_originUs = static_cast<double>(cycles.front().wokeUs);
+        std::vector<double> levels;
+        std::int64_t frames = 0;
+        for (std::size_t j = 0; j < cycles.size(); ++j) {
+            if (j > 0)
+                frames += static_cast<std::uint32_t>(cycles[j].start - cycles[j - 1].start);
+            m_frames.push_back(frames);
+            levels.push_back(static_cast<double>(frames) -
+                             (static_cast<double>(cycles[j].wokeUs) - m_originUs) * rate / 1e6);
+        }
+        const auto highest = [&levels](std::size_t from, std::size_t to) { // [from, to)
+            return *std::max_element(levels.begin() + static_cast<std::ptrdiff_t>(from),
+                                     levels.begin() + static_cast<std::ptrdiff_t>(to));
+        };
+        bool falling = false;
+        for (std::size_t j = kEdge; j + kEdge <= levels.size(); ++j) {
+            const bool fell = highest(j, j + kEdge) < highest(j - kEdge, j) - kJumpFrames;
+            m_stretch[j] = m_stretch[j - 1] + (fell && !falling ? 1 : 0);
+            falling = fell;
+        }
+        for (std::size_t j = levels.size() - kEdge + 1; j < levels.size(); ++j)
+            m_stretch[j] = m_stretch[j - 1];
+        for (std::size_t j = 0; j < levels.size(); ++j) {
+            std::size_t from = j > kWindow ? j - kWindow : 0;
+            std::size_t to = std::min(levels.size(), j + kWindow + 1);
+            while (m_stretch[from] != m_stretch[j])
+                ++from;
+            while (m_stretch[to - 1] != m_stretch[j])
+                --to;
+            m_level[j] = highest(from, to);
+        }
+    }
+
+    /** The stretch of unbroken frame clock that cycle `cycle` belongs to (0, 1, ...). */
+    int stretch(std::size_t cycle) const { return m_stretch[cycle]; }
+    /** When `frame` (of cycle `cycle`) played, in microseconds on the monotonic clock. */
+    double timeUs(std::size_t cycle, jack_nframes_t frame, jack_nframes_t cycleStart) const
+    {
+        const double fromStart = static_cast<double>(static_cast<std::int32_t>(frame - cycleStart));
+        return m_originUs +
+               (static_cast<double>(m_frames[cycle]) + fromStart - m_level[cycle]) * 1e6 / m_rate;
+    }
+
+private:
+    static constexpr std::size_t kEdge = 16;
+    static constexpr std::size_t kWindow = 300;
+    static constexpr double kJumpFrames = 4;
+    double m_rate;
+    double m_originUs = 0;
+    std::vector<int> m_stretch;
+    std::vector<double> m_level;
+    std::vector<std::int64_t> m_frames;
 };
 
 /** The receiving port alone, opened through RtMidi or through the native JACK output. */
@@ -221,28 +302,46 @@ struct Errors
 };
 
 /**
- * Onsets (in `unit`s from the first) against k x `interval`. Each onset belongs to the step
- * nearest to it, so that an event the server dropped (JACK loses the MIDI of an overrun cycle)
- * counts as lost rather than shifting every later onset by a step; the schedule is anchored on
- * the median offset of the first 100 onsets.
+ * The step each onset (in microseconds from the first) belongs to: the nearest one, so that an
+ * event the server dropped (JACK loses the MIDI of an overrun cycle) counts as lost rather than
+ * shifting every later onset by a step.
  */
-Errors errorsAgainstSchedule(const std::vector<double>& onsets, double interval, double unitsPerMs)
+std::vector<double> nearestSteps(const std::vector<double>& onsetsUs, double intervalUs)
 {
     std::vector<double> steps;
-    for (const double onset : onsets)
-        steps.push_back(std::round((onset - onsets.front()) / interval));
-    std::vector<double> offsets;
-    for (std::size_t k = 0; k < 100; ++k)
-        offsets.push_back(onsets[k] - steps[k] * interval);
-    std::nth_element(offsets.begin(), offsets.begin() + 50, offsets.end());
-    const double start = offsets[50];
+    for (const double onset : onsetsUs)
+        steps.push_back(std::round((onset - onsetsUs.front()) / intervalUs));
+    return steps;
+}
+
+/**
+ * Onsets (in `unit`s) against their steps x `interval`. The schedule is anchored anew in every
+ * stretch (`stretches` numbers them, rising), on the median offset of the stretch's first 100
+ * onsets.
+ */
+Errors errorsAgainstSchedule(const std::vector<double>& onsets, const std::vector<double>& steps,
+                             const std::vector<int>& stretches, double interval, double unitsPerMs)
+{
     std::vector<double> absolute;
+    std::vector<double> errors;
+    for (std::size_t first = 0; first < onsets.size();) {
+        std::size_t last = first;
+        while (last < onsets.size() && stretches[last] == stretches[first])
+            ++last;
+        std::vector<double> offsets;
+        for (std::size_t k = first; k < std::min(last, first + 100); ++k)
+            offsets.push_back(onsets[k] - steps[k] * interval);
+        const auto middle = offsets.begin() + static_cast<std::ptrdiff_t>(offsets.size() / 2);
+        std::nth_element(offsets.begin(), middle, offsets.end());
+        for (std::size_t k = first; k < last; ++k)
+            errors.push_back((onsets[k] - *middle - steps[k] * interval) / unitsPerMs);
+        first = last;
+    }
     double tail = 0;
-    for (std::size_t k = 0; k < onsets.size(); ++k) {
-        const double error = (onsets[k] - start - steps[k] * interval) / unitsPerMs;
-        absolute.push_back(std::abs(error));
-        if (k + 100 >= onsets.size())
-            tail += error;
+    for (std::size_t k = 0; k < errors.size(); ++k) {
+        absolute.push_back(std::abs(errors[k]));
+        if (k + 100 >= errors.size())
+            tail += errors[k];
     }
     std::sort(absolute.begin(), absolute.end());
     const double lost = steps.back() + 1 - static_cast<double>(onsets.size());
@@ -353,34 +452,42 @@ void BM_PlaybackOnsetsAtAJackReceiver(benchmark::State& state)
                 state.SkipWithError(message.c_str());
                 break;
             }
-            const std::vector<jack_nframes_t> frames = receiver.frames();
-            const std::vector<jack_time_t> times = receiver.times();
+            const std::vector<Receiver::Cycle> cycles = receiver.cycles();
+            const std::vector<Receiver::Onset> onsets = receiver.onsets();
+            const FrameTimeline timeline(cycles, rate);
             std::vector<double> frameOnsets;
             std::vector<double> timeOnsets;
-            for (int k = 0; k < kSteps; ++k) {
-                const auto i = static_cast<std::size_t>(k);
-                frameOnsets.push_back(
-                    static_cast<double>(static_cast<std::int32_t>(frames[i] - frames[0])));
-                timeOnsets.push_back(static_cast<double>(times[i] - times[0]));
+            std::vector<int> stretches;
+            for (const Receiver::Onset& onset : onsets) {
+                frameOnsets.push_back(static_cast<double>(
+                    static_cast<std::int32_t>(onset.frame - onsets.front().frame)));
+                timeOnsets.push_back(
+                    timeline.timeUs(onset.cycle, onset.frame, cycles[onset.cycle].start));
+                stretches.push_back(timeline.stretch(onset.cycle));
             }
             if (const char* dump = std::getenv("TM_BENCH_TIMING_DUMP")) {
-                // One line per onset: frame and microsecond from the first (for a closer look).
+                // One line per onset: frame and microsecond from the first, and its stretch.
                 const std::string file =
                     std::string(dump) + "-" + path + (loaded ? "-loaded" : "") + ".txt";
                 if (std::FILE* out = std::fopen(file.c_str(), "w")) {
-                    for (int k = 0; k < kSteps; ++k)
-                        std::fprintf(out, "%d %.0f %.0f %.1f\n", k,
-                                     frameOnsets[static_cast<std::size_t>(k)],
-                                     timeOnsets[static_cast<std::size_t>(k)],
-                                     receiver.cycleTimes()[static_cast<std::size_t>(k)] -
-                                         receiver.cycleTimes()[0]);
+                    for (std::size_t k = 0; k < onsets.size(); ++k)
+                        std::fprintf(out, "%zu %.0f %.1f %d\n", k, frameOnsets[k],
+                                     timeOnsets[k] - timeOnsets.front(), stretches[k]);
                     std::fclose(out);
                 }
             }
+            const std::vector<double> steps = nearestSteps(timeOnsets, intervalMs * 1000.0);
+            const std::vector<int> oneStretch(stretches.size(), 0);
+            const double frameInterval = intervalMs * rate / 1000.0;
             const Errors onFrames =
-                errorsAgainstSchedule(frameOnsets, intervalMs * rate / 1000.0, rate / 1000.0);
-            const Errors onClock = errorsAgainstSchedule(timeOnsets, intervalMs * 1000.0, 1000.0);
+                errorsAgainstSchedule(frameOnsets, steps, stretches, frameInterval, rate / 1000.0);
+            const Errors onRawFrames =
+                errorsAgainstSchedule(frameOnsets, steps, oneStretch, frameInterval, rate / 1000.0);
+            const Errors onClock =
+                errorsAgainstSchedule(timeOnsets, steps, oneStretch, intervalMs * 1000.0, 1000.0);
             state.counters[path + "_frame_p99_ms"] = onFrames.p99Ms;
+            state.counters[path + "_frame_raw_p99_ms"] = onRawFrames.p99Ms;
+            state.counters[path + "_frame_jumps"] = stretches.back();
             state.counters[path + "_frame_max_ms"] = onFrames.maxMs;
             state.counters[path + "_frame_drift_ms"] = onFrames.driftMs;
             state.counters[path + "_clock_p99_ms"] = onClock.p99Ms;
