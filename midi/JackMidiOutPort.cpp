@@ -61,11 +61,12 @@ struct JackMidiOutPort::Impl
     /** JACK's clock minus steady_clock, in microseconds (JACK 2 keeps an origin of its own). */
     std::int64_t clockOffsetUs = 0;
     std::atomic<std::int64_t> periodNs{0};
-    FrameClock frameClock;             // the process callback's own, set up at open
-    std::atomic<bool> flushing{false}; // deliver everything at once, due or not
-    std::atomic<bool> shutDown{false}; // our client was thrown out by the server
-    std::atomic<bool> overrun{false};  // the server reported a late cycle: relearn the frames
-    bool active = false;               // the process callback runs
+    FrameClock frameClock;                  // the process callback's own, set up at open
+    std::atomic<bool> flushing{false};      // deliver everything at once, due or not
+    std::atomic<bool> shutDown{false};      // our client was thrown out by the server
+    std::atomic<bool> overrun{false};       // the server reported a late cycle: relearn the frames
+    std::atomic<jack_nframes_t> newRate{0}; // a sample rate the server changed to, not yet taken
+    bool active = false;                    // the process callback runs
     std::atomic<std::uint64_t> cycles{0};
     SpscRing<TimedMessage, 4096> messages; // the sending thread to the process callback
     SpscRing<LongMessage, 8> longMessages; // the device's worker to the process callback
@@ -83,6 +84,8 @@ struct JackMidiOutPort::Impl
         jack_midi_clear_buffer(buffer);
         // Where the frames stand against JACK's clock, from this cycle's first frame and the
         // moment this thread woke (JACK's own period estimate wanders by frames after an overrun).
+        if (const jack_nframes_t rate = newRate.exchange(0, std::memory_order_acq_rel))
+            frameClock.setSampleRate(rate);
         if (overrun.exchange(false, std::memory_order_acq_rel))
             frameClock.forget();
         frameClock.observeCycle(jack_last_frame_time(client),
@@ -116,6 +119,14 @@ struct JackMidiOutPort::Impl
         const jack_nframes_t rate = jack_get_sample_rate(self->client);
         if (rate != 0)
             self->periodNs = static_cast<std::int64_t>(frames) * 1'000'000'000 / rate;
+        return 0;
+    }
+
+    static int onSampleRate(jack_nframes_t rate, void* arg)
+    {
+        auto* self = static_cast<Impl*>(arg);
+        self->newRate.store(rate, std::memory_order_release);
+        onBufferSize(jack_get_buffer_size(self->client), arg);
         return 0;
     }
 
@@ -203,6 +214,7 @@ std::unique_ptr<JackMidiOutPort> JackMidiOutPort::open(const std::string& portNa
     }
     jack_set_process_callback(d.client, &Impl::process, &d);
     jack_set_buffer_size_callback(d.client, &Impl::onBufferSize, &d);
+    jack_set_sample_rate_callback(d.client, &Impl::onSampleRate, &d);
     jack_set_xrun_callback(d.client, &Impl::onXrun, &d);
     jack_on_info_shutdown(d.client, &Impl::onShutdown, &d);
     if (jack_activate(d.client) != 0)
