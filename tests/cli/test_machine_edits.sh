@@ -7,30 +7,10 @@ CLI="$1"
 SHIPPED="${TM_DATA_DIR:-$(dirname "$0")/../../data}"
 SONG="$SHIPPED/default.bmx"
 
-WORK="$(mktemp -d)"
-trap 'rm -rf "$WORK"' EXIT
-DATA="$WORK/data"
-mkdir -p "$DATA"
+. "$(dirname "$0")/cli_checks.sh"
+RUN_EXTRA=(--data "$DATA")
 cp "$SHIPPED/machines.ini" "$DATA/"
-failures=0
 
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
-
-# run EXPECTED_EXIT ARGS...: runs the program, keeps stdout and stderr in $WORK/out and $WORK/err.
-run() {
-    local expected="$1"
-    shift
-    "$CLI" "$@" --data "$DATA" >"$WORK/out" 2>"$WORK/err"
-    local status=$?
-    if [ "$status" -ne "$expected" ]; then
-        fail "'$*' exited $status, expected $expected; stderr: $(cat "$WORK/err")"
-    fi
-}
-
-expect_in() { grep -qF -- "$2" "$WORK/$1" || fail "$1 lacks '$2': $(head -c 400 "$WORK/$1")"; }
 expect_out() { [ "$(cat "$WORK/out")" = "$1" ] || fail "stdout is '$(cat "$WORK/out")', not '$1'"; }
 info() { run 0 song-info "$1"; }
 
@@ -94,8 +74,4 @@ grep -q "^  machine " "$WORK/out" && fail "an empty sequence is left"
 run 2 clone-machine "$SONG" Dynamite6
 [ ! -e "$WORK/bad.bmx" ] || fail "a refused edit wrote a file"
 
-if [ "$failures" -ne 0 ]; then
-    echo "$failures check(s) failed"
-    exit 1
-fi
-echo "machine edits: all checks passed"
+finish "machine edits"

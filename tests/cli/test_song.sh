@@ -10,30 +10,7 @@ if [ ! -f "$SONG" ]; then
     exit 77
 fi
 
-WORK="$(mktemp -d)"
-trap 'rm -rf "$WORK"' EXIT
-DATA="$WORK/data"
-mkdir -p "$DATA"
-failures=0
-
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
-
-# run EXPECTED_EXIT ARGS...: runs the program, keeps stdout and stderr in $WORK/out and $WORK/err.
-run() {
-    local expected="$1"
-    shift
-    "$CLI" "$@" >"$WORK/out" 2>"$WORK/err"
-    local status=$?
-    if [ "$status" -ne "$expected" ]; then
-        fail "'$*' exited $status, expected $expected; stderr: $(cat "$WORK/err")"
-    fi
-}
-
-expect_in() { grep -qF -- "$2" "$WORK/$1" || fail "$1 lacks '$2': $(head -c 400 "$WORK/$1")"; }
-expect_not_in() { ! grep -qF -- "$2" "$WORK/$1" || fail "$1 holds '$2'"; }
+. "$(dirname "$0")/cli_checks.sh"
 
 # No machine database yet.
 run 1 song-info "$SONG" --data "$DATA"
@@ -144,8 +121,4 @@ run 1 song-copy "$SONG" "$WORK/no/such/folder/out.bmx" --data "$DATA"
 expect_in err "Error saving file"
 expect_in err "Code:	112"
 
-if [ "$failures" -ne 0 ]; then
-    echo "$failures check(s) failed"
-    exit 1
-fi
-echo "song commands: all checks passed"
+finish "song commands"

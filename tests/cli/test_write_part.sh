@@ -8,42 +8,14 @@ SONG="$CORPUS/neil_MadBrains_Dynamite6_demo.bmx"
 SHIPPED="${TM_DATA_DIR:-$(dirname "$0")/../../data}"
 PART="${TM_SOURCE_DIR:-$(dirname "$0")/../..}/data/default.prt"
 
-WORK="$(mktemp -d)"
-trap 'rm -rf "$WORK"' EXIT
-DATA="$WORK/data"
-mkdir -p "$DATA"
+. "$(dirname "$0")/cli_checks.sh"
 # The song's machines are learned into this copy, never into the build's data folder.
 cp "$SHIPPED/machines.ini" "$DATA/"
-failures=0
 
-fail() {
-    echo "FAIL: $*"
-    failures=$((failures + 1))
-}
-
-# run EXPECTED_EXIT ARGS...: runs the program, keeps stdout and stderr in $WORK/out and $WORK/err.
-run() {
-    local expected="$1"
-    shift
-    "$CLI" "$@" >"$WORK/out" 2>"$WORK/err"
-    local status=$?
-    if [ "$status" -ne "$expected" ]; then
-        fail "'$*' exited $status, expected $expected; stderr: $(cat "$WORK/err")"
-    fi
-}
-
-expect_in() { grep -qF -- "$2" "$WORK/$1" || fail "$1 lacks '$2': $(head -c 400 "$WORK/$1")"; }
 # The patterns song-info lists under machine $2, one "name rows" a line, into $WORK/$1.
 patterns_of() {
     sed -n "/^  [0-9]*: \"$2\"/,/^  [0-9]*: /p" "$WORK/out" | grep '^    pattern' |
         sed 's/^    pattern "\(.*\)"  rows \([0-9]*\)$/\1 \2/' >"$WORK/$1"
-}
-
-finish() {
-    if [ "$failures" -ne 0 ]; then
-        echo "$failures check(s) failed"
-        exit 1
-    fi
 }
 
 # The shipped default song takes the shipped part as it is: its generator is in the shipped
@@ -170,5 +142,4 @@ expect_in err "Error saving file"
 # Usage errors exit 2.
 run 2 write-part --part "$PART" --song "$SONG" --machine Dynamite6 --data "$DATA"
 
-finish
-echo "write-part: all checks passed"
+finish "write-part"
