@@ -136,6 +136,17 @@ template <typename Dialog> void onDialog(std::function<void(Dialog&)> answer, bo
     });
 }
 
+/** Runs `fill` on the modal dialog of type Dialog that the command triggered next opens; fails
+ * the test when another or none opened. */
+template <typename Dialog> void answerDialog(std::function<void(Dialog&)> fill)
+{
+    QTimer::singleShot(0, [fill] {
+        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr) << "no " << Dialog::staticMetaObject.className();
+        fill(*dialog);
+    });
+}
+
 /** The shared song corpus, or an empty text (the caller skips). */
 QString songCorpus();
 

@@ -22,22 +22,12 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QTest>
-#include <QTimer>
 
 namespace {
 
+using apptest::answerDialog;
 using apptest::MachineViewFixture;
 using MachineView = MachineViewFixture;
-
-/** Runs `fill` on the next modal dialog of type Dialog once it is open. */
-template <typename Dialog, typename Fill> void whenOpen(Fill fill)
-{
-    QTimer::singleShot(0, [fill] {
-        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        fill(*dialog);
-    });
-}
 
 TEST_F(MachineView, FilterKeysListTheMachinesOfTheirKindAndTheChoiceSurvivesARestart)
 {
@@ -271,7 +261,7 @@ TEST_F(MachineView, ReplaceOffersCompatibleMachinesAndWarnsWhatIsLost)
     selectRows({"Dynamite6"});
     // The chooser offers machines that play notes per track like Dynamite 6, and not itself.
     QStringList offered;
-    whenOpen<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
+    answerDialog<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
         for (int row = 0; row < dialog.list()->model()->rowCount(); ++row)
             offered << dialog.list()->model()->index(row, 0).data().toString();
         dialog.reject();
@@ -339,7 +329,7 @@ TEST_F(MachineView, TransposeAndInvertMoveTheNotesAndReportWhatWouldLeaveTheRang
     selectRows({"Dynamite6"});
     const auto cell = [&](std::size_t row) { return *song().cellValue(1, 0, row, 0, note); };
 
-    whenOpen<app::CMachineTransformDialog>([](app::CMachineTransformDialog& dialog) {
+    answerDialog<app::CMachineTransformDialog>([](app::CMachineTransformDialog& dialog) {
         dialog.halfNotesBox()->setValue(2);
         dialog.accept();
     });
@@ -347,7 +337,7 @@ TEST_F(MachineView, TransposeAndInvertMoveTheNotesAndReportWhatWouldLeaveTheRang
     EXPECT_EQ(cell(0), song::BuzzNote::encode(2, 4)); // D-4
     EXPECT_EQ(cell(1), 0) << "empty cells stay empty";
 
-    whenOpen<app::CMachineTransformDialog>([](app::CMachineTransformDialog& dialog) {
+    answerDialog<app::CMachineTransformDialog>([](app::CMachineTransformDialog& dialog) {
         dialog.noteBox()->setCurrentIndex(0); // C
         dialog.octaveBox()->setValue(4);
         dialog.accept();
@@ -372,7 +362,7 @@ TEST_F(MachineView, TransposeAndInvertMoveTheNotesAndReportWhatWouldLeaveTheRang
 TEST_F(MachineView, AnAddedMachineIsSelectedAndTakesAPartAtOnce)
 {
     // F4 opens the chooser; the search box narrows the list to M4.
-    whenOpen<app::CMachineChooserDialog>([](app::CMachineChooserDialog& dialog) {
+    answerDialog<app::CMachineChooserDialog>([](app::CMachineChooserDialog& dialog) {
         dialog.kindBox()->setCurrentIndex(dialog.kindBox()->findText(QStringLiteral("Synths")));
         dialog.searchEdit()->setText(QStringLiteral("m4"));
         ASSERT_EQ(dialog.list()->model()->rowCount(), 1);
@@ -388,7 +378,7 @@ TEST_F(MachineView, AnAddedMachineIsSelectedAndTakesAPartAtOnce)
 
     // "Create Buzz Patterns" writes the part into the selected machine as one undoable step.
     const std::size_t target = song().findMachine("M4");
-    whenOpen<app::CPartWriteDialog>([](app::CPartWriteDialog& dialog) { dialog.accept(); });
+    answerDialog<app::CPartWriteDialog>([](app::CPartWriteDialog& dialog) { dialog.accept(); });
     frame().action("part.createBuzzPatterns")->trigger();
     const auto chords = static_cast<std::size_t>(view().partSession()->part().count());
     ASSERT_GT(chords, 0u);
@@ -442,7 +432,7 @@ TEST_F(MachineView, CtrlPOpensPatternInfoInTheMachineViewAndPrintsElsewhere)
 
     frame().activateWindow();
     view().chordDatabase()->setFocus();
-    whenOpen<QPrintPreviewDialog>([](QPrintPreviewDialog& d) { d.reject(); });
+    answerDialog<QPrintPreviewDialog>([](QPrintPreviewDialog& d) { d.reject(); });
     QTest::keyClick(view().chordDatabase(), Qt::Key_P, Qt::ControlModifier);
     EXPECT_EQ(printed, 1);
     frame().hide();
@@ -465,7 +455,7 @@ TEST_F(MachineView, KeysOfTheListSelectCopyPasteAndAdd)
 
     // F4: the machine chooser; cancelled, nothing is added.
     bool offered = false;
-    whenOpen<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
+    answerDialog<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
         offered = true;
         dialog.reject();
     });
