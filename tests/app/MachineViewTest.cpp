@@ -471,13 +471,21 @@ TEST_F(MachineView, KeysOfTheListSelectCopyPasteAndAdd)
 
 TEST_F(MachineView, ASongWithUnsavedEditsIsOnlyReplacedWhenTheUserAgrees)
 {
+    // Changed twice over: machines added, and the part written into the generator by its command.
     addEveryKind();
+    selectRows({"Dynamite6"});
+    answerDialog<app::CPartWriteDialog>([](app::CPartWriteDialog& d) { d.accept(); });
+    frame().action("part.createBuzzPatterns")->trigger();
+    ASSERT_TRUE(document().isModified());
+    const QString written = QString::number(song().patternCount(1));
+    ASSERT_NE(written, QStringLiteral("0"));
     struct Case
     {
         QMessageBox::StandardButton answer;
         std::size_t machinesAfter;
+        QString patternsShown; // of Dynamite6 in the list
     };
-    for (const Case c : {Case{QMessageBox::Cancel, 5}, Case{QMessageBox::No, 2}}) {
+    for (const Case& c : {Case{QMessageBox::Cancel, 5, written}, Case{QMessageBox::No, 2, "0"}}) {
         m_messages.clear();
         m_messages.queueAnswer(c.answer);
         frame().action("file.new")->trigger();
@@ -485,8 +493,13 @@ TEST_F(MachineView, ASongWithUnsavedEditsIsOnlyReplacedWhenTheUserAgrees)
         EXPECT_EQ(m_messages.texts()[0],
                   QStringLiteral("The song has been changed.\nDo you want to save it?"));
         EXPECT_EQ(song().machineCount(), c.machinesAfter);
+        EXPECT_EQ(document().isModified(), c.answer == QMessageBox::Cancel);
+        const app::MachineListModel& model = *panel().model();
+        EXPECT_EQ(model.index(model.rowOfName("Dynamite6"), app::MachineListModel::PatternsColumn)
+                      .data()
+                      .toString(),
+                  c.patternsShown);
     }
-    EXPECT_FALSE(document().isModified());
     EXPECT_FALSE(document().history()->canUndo()) << "a new song starts a new history";
 }
 
