@@ -20,15 +20,12 @@ QByteArray readAll(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-TEST_F(Document, ANewSongIsUntitled)
+TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessagesAndTheSongStaysUntitled)
 {
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
+    const QString untitled = QStringLiteral("Untitled - default.prt - Tonalmancer");
+    EXPECT_EQ(frame().windowTitle(), untitled);
     EXPECT_TRUE(document().path().isEmpty());
     EXPECT_FALSE(frame().action("file.update")->isEnabled());
-}
-
-TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessages)
-{
     const QString path = m_data.file(QStringLiteral("notes.bmx"));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -38,7 +35,9 @@ TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessages)
     EXPECT_EQ(m_messages.texts(),
               (QStringList{QStringLiteral("Error:\nno Buzzfile"),
                            QStringLiteral("Error loading file \n Code:\t666")}));
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), untitled);
+    EXPECT_TRUE(document().path().isEmpty());
+    EXPECT_FALSE(frame().action("file.update")->isEnabled());
 }
 
 TEST_F(Document, TheDefaultSongOpensWithoutQuestionsAndBecomesTheNewSong)
@@ -188,10 +187,6 @@ TEST_F(Document, SaveAsDefaultReplacesTheDefaultSongOnly)
     EXPECT_TRUE(QFile::exists(defaultPath));
     EXPECT_TRUE(document().path().isEmpty());
 }
-
-} // namespace
-
-namespace {
 
 using MachineScans = apptest::AppFixture;
 
