@@ -193,7 +193,7 @@ TEST_F(PartTransforms, DialogsShowWhatChangesAndRefuseWhatTheLibraryRefuses)
     EXPECT_EQ(session().history().size(), steps) << "cancelled dialogs change nothing";
 }
 
-TEST_F(PartTransforms, NotesAreEnteredByNameAndOctave)
+TEST(NoteSpinBox, TakesNotesByNameAndOctave)
 {
     app::NoteSpinBox box;
     struct Case
