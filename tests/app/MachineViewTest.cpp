@@ -241,7 +241,7 @@ TEST_F(MachineView, ACopiedMachinePastesWithItsPatternsIntoASongOpenedLater)
     EXPECT_EQ(m_messages.texts().size(), 1);
 }
 
-TEST_F(MachineView, CloneAddsACopyFeedingWhatTheOriginalFeeds)
+TEST_F(MachineView, ACloneFeedsWhatTheOriginalFeedsAndANewMachineTheSelectedEffect)
 {
     addEveryKind();
     selectRows({"Sampler"});
@@ -252,6 +252,12 @@ TEST_F(MachineView, CloneAddsACopyFeedingWhatTheOriginalFeeds)
     EXPECT_EQ(panel().selectedMachineName(), QString::fromStdString(song().machines()[clone].name));
     EXPECT_EQ(song().inputsOf(0).size(), 5u) << "the clone feeds the master as the sampler does";
     EXPECT_EQ(undoText(), QStringLiteral("Undo Clone machine"));
+
+    selectRows({"Freeverb"});
+    ASSERT_TRUE(panel().commands().addFromDatabase(databaseIndex("M4")));
+    const std::vector<std::size_t> inputs = song().inputsOf(song().findMachine("Freeverb"));
+    ASSERT_EQ(inputs.size(), 1u);
+    EXPECT_EQ(song().machines()[song().connections()[inputs[0]].source].dllName, "M4");
 }
 
 TEST_F(MachineView, ReplaceOffersCompatibleMachinesAndWarnsWhatIsLost)
@@ -399,17 +405,6 @@ TEST_F(MachineView, AnAddedMachineIsSelectedAndTakesAPartAtOnce)
     ASSERT_TRUE(reader.read(path.toStdString(), back));
     ASSERT_EQ(back.machineCount(), 3u);
     EXPECT_EQ(back.patternBlocks()[2], song().patternBlocks()[2]);
-}
-
-TEST_F(MachineView, TheNewMachineFeedsTheSelectedEffect)
-{
-    addEveryKind();
-    selectRows({"Freeverb"});
-    ASSERT_TRUE(panel().commands().addFromDatabase(databaseIndex("M4")));
-    const std::size_t freeverb = song().findMachine("Freeverb");
-    const std::vector<std::size_t> inputs = song().inputsOf(freeverb);
-    ASSERT_EQ(inputs.size(), 1u);
-    EXPECT_EQ(song().machines()[song().connections()[inputs[0]].source].dllName, "M4");
 }
 
 TEST_F(MachineView, CtrlPOpensPatternInfoInTheMachineViewAndPrintsElsewhere)
