@@ -166,7 +166,7 @@ TEST_F(Document, ARealSongOpensSavesAndReadsBackTheSame)
     EXPECT_EQ(readAll(copy).left(4), QByteArray("Buzz"));
 }
 
-TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCode)
+TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCodeAndSaveAsDefaultKeepsItUntitled)
 {
     ASSERT_TRUE(frame().loadDefaultSong());
     m_messages.clear();
@@ -176,11 +176,8 @@ TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCode)
     EXPECT_TRUE(m_messages.texts()[0].startsWith(QStringLiteral("Error saving file \n Code:\t")));
     EXPECT_TRUE(document().hasSong());
     EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
-}
 
-TEST_F(Document, SaveAsDefaultReplacesTheDefaultSongOnly)
-{
-    ASSERT_TRUE(frame().loadDefaultSong());
+    // Saved as the default, the default song is replaced and this one stays untitled.
     const QString defaultPath = document().defaultSongPath();
     QFile::remove(defaultPath);
     ASSERT_TRUE(frame().saveSongAsDefault());
