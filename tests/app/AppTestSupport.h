@@ -8,6 +8,7 @@
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordTreeCommands.h"
 #include "app/MessageBoxes.h"
+#include "app/PartSession.h"
 #include "midi/MidiPortList.h"
 
 #include <QApplication>
@@ -114,6 +115,8 @@ protected:
     app::CTonalmancerView& view() { return *m_app->view(); }
     app::CTonalmancerDoc& document() { return *m_app->document(); }
     app::ChordDatabasePanel& chords() { return *view().chordDatabase(); }
+    /** The part being edited, as every part panel shares it. */
+    app::PartSession& session() { return *view().partSession(); }
 
     DataFolderCopy m_data;
     MessageRecorder m_messages;

@@ -136,7 +136,6 @@ protected:
         midi::MidiInPortList::setSystemList(nullptr);
     }
 
-    PartSession& session() { return *view().partSession(); }
     app::KeyboardPanel& panel() { return *view().keyboardPanel(); }
     app::PianoKeyboard& keys() { return *panel().keyboard(); }
     QString topName() { return panel().candidates()->nameAt(0); }

@@ -49,7 +49,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     app::MathWindow& window() { return *view().mathWindow(); }
     PatternGridModel& grid() { return *m_grid->model(); }
     const part::Pattern& partPattern()

@@ -59,7 +59,6 @@ protected:
         session().reset(shipped, {});
     }
 
-    PartSession& session() { return *view().partSession(); }
     QString file(const QString& name) const { return m_out.filePath(name); }
     std::string bytes(const QString& path) const
     {

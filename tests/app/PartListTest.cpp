@@ -49,7 +49,6 @@ const Names kDefaultChords = {"C", "Am", "F", "G", "Dm7", "G7", "Cmaj7"};
 class PartList : public apptest::AppFixture
 {
 protected:
-    PartSession& session() { return *view().partSession(); }
     app::PartListPanel& panel() { return *view().partList(); }
     app::PartListModel& model() { return *panel().model(); }
     app::PartListCommands& commands() { return panel().commands(); }

@@ -33,7 +33,6 @@ using apptest::answerDialog;
 class PartTransforms : public apptest::AppFixture
 {
 protected:
-    PartSession& session() { return *view().partSession(); }
     app::PartListPanel& panel() { return *view().partList(); }
 
     /** "name notes" of a chord, as the part list's notes view writes them. */

@@ -50,7 +50,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     app::PatternGridView* grid() { return m_panel->grid(); }
     PatternGridModel* model() { return m_panel->model(); }
     const part::Pattern& pattern()

@@ -69,7 +69,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     app::TransportController& transport() { return *view().transport(); }
     void setTempo(int bpm, int tpb)
     {
