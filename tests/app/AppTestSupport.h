@@ -8,6 +8,7 @@
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordTreeCommands.h"
 #include "app/MessageBoxes.h"
+#include "app/PartSession.h"
 #include "midi/MidiPortList.h"
 
 #include <QApplication>
@@ -114,6 +115,8 @@ protected:
     app::CTonalmancerView& view() { return *m_app->view(); }
     app::CTonalmancerDoc& document() { return *m_app->document(); }
     app::ChordDatabasePanel& chords() { return *view().chordDatabase(); }
+    /** The part being edited, as every part panel shares it. */
+    app::PartSession& session() { return *view().partSession(); }
 
     DataFolderCopy m_data;
     MessageRecorder m_messages;
@@ -133,6 +136,17 @@ template <typename Dialog> void onDialog(std::function<void(Dialog&)> answer, bo
         seen = dialog != nullptr;
         if (dialog != nullptr)
             answer(*dialog);
+    });
+}
+
+/** Runs `fill` on the modal dialog of type Dialog that the command triggered next opens; fails
+ * the test when another or none opened. */
+template <typename Dialog> void answerDialog(std::function<void(Dialog&)> fill)
+{
+    QTimer::singleShot(0, [fill] {
+        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr) << "no " << Dialog::staticMetaObject.className();
+        fill(*dialog);
     });
 }
 

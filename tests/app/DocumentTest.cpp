@@ -20,15 +20,12 @@ QByteArray readAll(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-TEST_F(Document, ANewSongIsUntitled)
+TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessagesAndTheSongStaysUntitled)
 {
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
+    const QString untitled = QStringLiteral("Untitled - default.prt - Tonalmancer");
+    EXPECT_EQ(frame().windowTitle(), untitled);
     EXPECT_TRUE(document().path().isEmpty());
     EXPECT_FALSE(frame().action("file.update")->isEnabled());
-}
-
-TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessages)
-{
     const QString path = m_data.file(QStringLiteral("notes.bmx"));
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -38,7 +35,9 @@ TEST_F(Document, AFileThatIsNoSongIsRefusedWithBothMessages)
     EXPECT_EQ(m_messages.texts(),
               (QStringList{QStringLiteral("Error:\nno Buzzfile"),
                            QStringLiteral("Error loading file \n Code:\t666")}));
-    EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
+    EXPECT_EQ(frame().windowTitle(), untitled);
+    EXPECT_TRUE(document().path().isEmpty());
+    EXPECT_FALSE(frame().action("file.update")->isEnabled());
 }
 
 TEST_F(Document, TheDefaultSongOpensWithoutQuestionsAndBecomesTheNewSong)
@@ -167,7 +166,7 @@ TEST_F(Document, ARealSongOpensSavesAndReadsBackTheSame)
     EXPECT_EQ(readAll(copy).left(4), QByteArray("Buzz"));
 }
 
-TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCode)
+TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCodeAndSaveAsDefaultKeepsItUntitled)
 {
     ASSERT_TRUE(frame().loadDefaultSong());
     m_messages.clear();
@@ -177,21 +176,14 @@ TEST_F(Document, AFailedSaveKeepsTheSongAndShowsTheCode)
     EXPECT_TRUE(m_messages.texts()[0].startsWith(QStringLiteral("Error saving file \n Code:\t")));
     EXPECT_TRUE(document().hasSong());
     EXPECT_EQ(frame().windowTitle(), QStringLiteral("Untitled - default.prt - Tonalmancer"));
-}
 
-TEST_F(Document, SaveAsDefaultReplacesTheDefaultSongOnly)
-{
-    ASSERT_TRUE(frame().loadDefaultSong());
+    // Saved as the default, the default song is replaced and this one stays untitled.
     const QString defaultPath = document().defaultSongPath();
     QFile::remove(defaultPath);
     ASSERT_TRUE(frame().saveSongAsDefault());
     EXPECT_TRUE(QFile::exists(defaultPath));
     EXPECT_TRUE(document().path().isEmpty());
 }
-
-} // namespace
-
-namespace {
 
 using MachineScans = apptest::AppFixture;
 

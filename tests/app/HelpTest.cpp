@@ -111,16 +111,6 @@ TEST(HelpWindowRect, ConvertsThousandTwentyFourthsOfTheScreen)
         EXPECT_EQ(HelpRouter::windowRectFromRelative(c.screen, c.rect), c.expected);
 }
 
-TEST_F(Help, WindowPositionRequestsAreKeptForTheNextHelpWindow)
-{
-    HelpRouter help(m_dir.filePath(QStringLiteral("index.html")));
-    EXPECT_TRUE(help.windowRect().isNull());
-    help.request(nullptr, HelpRouter::kSetWindowPosition, 0, {0, 0, 512, 512});
-    EXPECT_FALSE(help.windowRect().isNull());
-    EXPECT_EQ(help.windowRect().topLeft(), QPoint(0, 0));
-    EXPECT_TRUE(m_opened.isEmpty());
-}
-
 TEST(AboutBox, ShowsItsLinesInOneColumn)
 {
     const QStringList lines = app::CAboutDialog::lines();
@@ -142,10 +132,6 @@ TEST(Manual, IsShippedBesideTheProgram)
     ASSERT_FALSE(manual.isEmpty());
     EXPECT_TRUE(manual.endsWith(QStringLiteral("docs/index.html")));
 }
-
-} // namespace
-
-namespace {
 
 /** The program's own help window, when one is shown: its text browser. */
 QTextBrowser* shownHelpBrowser()
@@ -174,7 +160,11 @@ TEST_F(Help, WithoutABrowserTheManualOpensInTheProgramsOwnWindowAtItsTopic)
     page.write("<h2 id=\"topic-9\">Nine</h2><p>last</p>");
     page.close();
     HelpRouter help(page.fileName());
+    EXPECT_TRUE(help.windowRect().isNull());
     help.request(nullptr, HelpRouter::kSetWindowPosition, 0, {0, 0, 512, 512});
+    EXPECT_FALSE(help.windowRect().isNull());
+    EXPECT_EQ(help.windowRect().topLeft(), QPoint(0, 0));
+    EXPECT_TRUE(m_opened.isEmpty()) << "a position request opens nothing";
     help.request(nullptr, HelpRouter::kContext, 9);
     QTextBrowser* browser = shownHelpBrowser();
     ASSERT_NE(browser, nullptr);

@@ -22,22 +22,12 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QTest>
-#include <QTimer>
 
 namespace {
 
+using apptest::answerDialog;
 using apptest::MachineViewFixture;
 using MachineView = MachineViewFixture;
-
-/** Runs `fill` on the next modal dialog of type Dialog once it is open. */
-template <typename Dialog, typename Fill> void whenOpen(Fill fill)
-{
-    QTimer::singleShot(0, [fill] {
-        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        fill(*dialog);
-    });
-}
 
 TEST_F(MachineView, FilterKeysListTheMachinesOfTheirKindAndTheChoiceSurvivesARestart)
 {
@@ -251,7 +241,7 @@ TEST_F(MachineView, ACopiedMachinePastesWithItsPatternsIntoASongOpenedLater)
     EXPECT_EQ(m_messages.texts().size(), 1);
 }
 
-TEST_F(MachineView, CloneAddsACopyFeedingWhatTheOriginalFeeds)
+TEST_F(MachineView, ACloneFeedsWhatTheOriginalFeedsAndANewMachineTheSelectedEffect)
 {
     addEveryKind();
     selectRows({"Sampler"});
@@ -262,6 +252,12 @@ TEST_F(MachineView, CloneAddsACopyFeedingWhatTheOriginalFeeds)
     EXPECT_EQ(panel().selectedMachineName(), QString::fromStdString(song().machines()[clone].name));
     EXPECT_EQ(song().inputsOf(0).size(), 5u) << "the clone feeds the master as the sampler does";
     EXPECT_EQ(undoText(), QStringLiteral("Undo Clone machine"));
+
+    selectRows({"Freeverb"});
+    ASSERT_TRUE(panel().commands().addFromDatabase(databaseIndex("M4")));
+    const std::vector<std::size_t> inputs = song().inputsOf(song().findMachine("Freeverb"));
+    ASSERT_EQ(inputs.size(), 1u);
+    EXPECT_EQ(song().machines()[song().connections()[inputs[0]].source].dllName, "M4");
 }
 
 TEST_F(MachineView, ReplaceOffersCompatibleMachinesAndWarnsWhatIsLost)
@@ -271,7 +267,7 @@ TEST_F(MachineView, ReplaceOffersCompatibleMachinesAndWarnsWhatIsLost)
     selectRows({"Dynamite6"});
     // The chooser offers machines that play notes per track like Dynamite 6, and not itself.
     QStringList offered;
-    whenOpen<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
+    answerDialog<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
         for (int row = 0; row < dialog.list()->model()->rowCount(); ++row)
             offered << dialog.list()->model()->index(row, 0).data().toString();
         dialog.reject();
@@ -339,7 +335,7 @@ TEST_F(MachineView, TransposeAndInvertMoveTheNotesAndReportWhatWouldLeaveTheRang
     selectRows({"Dynamite6"});
     const auto cell = [&](std::size_t row) { return *song().cellValue(1, 0, row, 0, note); };
 
-    whenOpen<app::CMachineTransformDialog>([](app::CMachineTransformDialog& dialog) {
+    answerDialog<app::CMachineTransformDialog>([](app::CMachineTransformDialog& dialog) {
         dialog.halfNotesBox()->setValue(2);
         dialog.accept();
     });
@@ -347,7 +343,7 @@ TEST_F(MachineView, TransposeAndInvertMoveTheNotesAndReportWhatWouldLeaveTheRang
     EXPECT_EQ(cell(0), song::BuzzNote::encode(2, 4)); // D-4
     EXPECT_EQ(cell(1), 0) << "empty cells stay empty";
 
-    whenOpen<app::CMachineTransformDialog>([](app::CMachineTransformDialog& dialog) {
+    answerDialog<app::CMachineTransformDialog>([](app::CMachineTransformDialog& dialog) {
         dialog.noteBox()->setCurrentIndex(0); // C
         dialog.octaveBox()->setValue(4);
         dialog.accept();
@@ -372,7 +368,7 @@ TEST_F(MachineView, TransposeAndInvertMoveTheNotesAndReportWhatWouldLeaveTheRang
 TEST_F(MachineView, AnAddedMachineIsSelectedAndTakesAPartAtOnce)
 {
     // F4 opens the chooser; the search box narrows the list to M4.
-    whenOpen<app::CMachineChooserDialog>([](app::CMachineChooserDialog& dialog) {
+    answerDialog<app::CMachineChooserDialog>([](app::CMachineChooserDialog& dialog) {
         dialog.kindBox()->setCurrentIndex(dialog.kindBox()->findText(QStringLiteral("Synths")));
         dialog.searchEdit()->setText(QStringLiteral("m4"));
         ASSERT_EQ(dialog.list()->model()->rowCount(), 1);
@@ -388,7 +384,7 @@ TEST_F(MachineView, AnAddedMachineIsSelectedAndTakesAPartAtOnce)
 
     // "Create Buzz Patterns" writes the part into the selected machine as one undoable step.
     const std::size_t target = song().findMachine("M4");
-    whenOpen<app::CPartWriteDialog>([](app::CPartWriteDialog& dialog) { dialog.accept(); });
+    answerDialog<app::CPartWriteDialog>([](app::CPartWriteDialog& dialog) { dialog.accept(); });
     frame().action("part.createBuzzPatterns")->trigger();
     const auto chords = static_cast<std::size_t>(view().partSession()->part().count());
     ASSERT_GT(chords, 0u);
@@ -411,17 +407,6 @@ TEST_F(MachineView, AnAddedMachineIsSelectedAndTakesAPartAtOnce)
     EXPECT_EQ(back.patternBlocks()[2], song().patternBlocks()[2]);
 }
 
-TEST_F(MachineView, TheNewMachineFeedsTheSelectedEffect)
-{
-    addEveryKind();
-    selectRows({"Freeverb"});
-    ASSERT_TRUE(panel().commands().addFromDatabase(databaseIndex("M4")));
-    const std::size_t freeverb = song().findMachine("Freeverb");
-    const std::vector<std::size_t> inputs = song().inputsOf(freeverb);
-    ASSERT_EQ(inputs.size(), 1u);
-    EXPECT_EQ(song().machines()[song().connections()[inputs[0]].source].dllName, "M4");
-}
-
 TEST_F(MachineView, CtrlPOpensPatternInfoInTheMachineViewAndPrintsElsewhere)
 {
     QAction* print = frame().action("part.printChordList");
@@ -442,7 +427,7 @@ TEST_F(MachineView, CtrlPOpensPatternInfoInTheMachineViewAndPrintsElsewhere)
 
     frame().activateWindow();
     view().chordDatabase()->setFocus();
-    whenOpen<QPrintPreviewDialog>([](QPrintPreviewDialog& d) { d.reject(); });
+    answerDialog<QPrintPreviewDialog>([](QPrintPreviewDialog& d) { d.reject(); });
     QTest::keyClick(view().chordDatabase(), Qt::Key_P, Qt::ControlModifier);
     EXPECT_EQ(printed, 1);
     frame().hide();
@@ -465,7 +450,7 @@ TEST_F(MachineView, KeysOfTheListSelectCopyPasteAndAdd)
 
     // F4: the machine chooser; cancelled, nothing is added.
     bool offered = false;
-    whenOpen<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
+    answerDialog<app::CMachineChooserDialog>([&offered](app::CMachineChooserDialog& dialog) {
         offered = true;
         dialog.reject();
     });
@@ -481,13 +466,21 @@ TEST_F(MachineView, KeysOfTheListSelectCopyPasteAndAdd)
 
 TEST_F(MachineView, ASongWithUnsavedEditsIsOnlyReplacedWhenTheUserAgrees)
 {
+    // Changed twice over: machines added, and the part written into the generator by its command.
     addEveryKind();
+    selectRows({"Dynamite6"});
+    answerDialog<app::CPartWriteDialog>([](app::CPartWriteDialog& d) { d.accept(); });
+    frame().action("part.createBuzzPatterns")->trigger();
+    ASSERT_TRUE(document().isModified());
+    const QString written = QString::number(song().patternCount(1));
+    ASSERT_NE(written, QStringLiteral("0"));
     struct Case
     {
         QMessageBox::StandardButton answer;
         std::size_t machinesAfter;
+        QString patternsShown; // of Dynamite6 in the list
     };
-    for (const Case c : {Case{QMessageBox::Cancel, 5}, Case{QMessageBox::No, 2}}) {
+    for (const Case& c : {Case{QMessageBox::Cancel, 5, written}, Case{QMessageBox::No, 2, "0"}}) {
         m_messages.clear();
         m_messages.queueAnswer(c.answer);
         frame().action("file.new")->trigger();
@@ -495,8 +488,13 @@ TEST_F(MachineView, ASongWithUnsavedEditsIsOnlyReplacedWhenTheUserAgrees)
         EXPECT_EQ(m_messages.texts()[0],
                   QStringLiteral("The song has been changed.\nDo you want to save it?"));
         EXPECT_EQ(song().machineCount(), c.machinesAfter);
+        EXPECT_EQ(document().isModified(), c.answer == QMessageBox::Cancel);
+        const app::MachineListModel& model = *panel().model();
+        EXPECT_EQ(model.index(model.rowOfName("Dynamite6"), app::MachineListModel::PatternsColumn)
+                      .data()
+                      .toString(),
+                  c.patternsShown);
     }
-    EXPECT_FALSE(document().isModified());
     EXPECT_FALSE(document().history()->canUndo()) << "a new song starts a new history";
 }
 

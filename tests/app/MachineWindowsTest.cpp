@@ -32,6 +32,14 @@ QStringList tableRow(const QAbstractItemModel& model, int row)
     return cells;
 }
 
+/** The corpus song of Dynamite 6 machines, or an empty text (the caller skips). */
+QString demoSong()
+{
+    const QString corpus = apptest::songCorpus();
+    const QString path = corpus + QStringLiteral("/neil_MadBrains_Dynamite6_demo.bmx");
+    return !corpus.isEmpty() && QFile::exists(path) ? path : QString();
+}
+
 /** The patterns Pattern Info lists: "name rows played-at". */
 QStringList patternRows(const app::PatternInfoWindow& window)
 {
@@ -43,9 +51,8 @@ QStringList patternRows(const app::PatternInfoWindow& window)
 
 TEST_F(MachineWindows, MachineInfoShowsParametersRangesAndConnectionsOfARealSong)
 {
-    const QString corpus = apptest::songCorpus();
-    const QString path = corpus + QStringLiteral("/neil_MadBrains_Dynamite6_demo.bmx");
-    if (corpus.isEmpty() || !QFile::exists(path))
+    const QString path = demoSong();
+    if (path.isEmpty())
         GTEST_SKIP() << "song corpus not found (set TM_SONG_CORPUS)";
     ASSERT_TRUE(frame().openSong(path)); // its effects are learned from the song: answered Yes
     selectRows({"Dynamite6"});
@@ -93,9 +100,8 @@ TEST_F(MachineWindows, MachineInfoShowsParametersRangesAndConnectionsOfARealSong
 
 TEST_F(MachineWindows, PatternInfoListsWhereTheSequencesPlayEachPatternOfARealSong)
 {
-    const QString corpus = apptest::songCorpus();
-    const QString path = corpus + QStringLiteral("/neil_MadBrains_Dynamite6_demo.bmx");
-    if (corpus.isEmpty() || !QFile::exists(path))
+    const QString path = demoSong();
+    if (path.isEmpty())
         GTEST_SKIP() << "song corpus not found (set TM_SONG_CORPUS)";
     ASSERT_TRUE(frame().openSong(path));
     selectRows({"Dynamite6"});

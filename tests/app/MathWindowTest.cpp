@@ -49,7 +49,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     app::MathWindow& window() { return *view().mathWindow(); }
     PatternGridModel& grid() { return *m_grid->model(); }
     const part::Pattern& partPattern()
@@ -86,9 +85,12 @@ protected:
 
 TEST_F(MathWindowTest, PreviewShowsTheRecipeInTheGridAndLeavesThePartAlone)
 {
+    // Start-up leaves the window unbuilt; its command builds it.
+    EXPECT_EQ(view().findChild<app::MathWindow*>(), nullptr);
     const part::Part before = session().part();
     const int steps = session().history().size();
     open();
+    EXPECT_EQ(view().findChild<app::MathWindow*>(), &window());
     choose(QStringLiteral("Tresillo E(3,8)")); // E(3,8) two rows a step: rows 0, 6, 12, 16...
     EXPECT_EQ(window().textEdit()->text(),
               QStringLiteral("euclid step=2 name=\"Tresillo E(3,8)\""));
@@ -126,6 +128,12 @@ TEST_F(MathWindowTest, PreviewShowsTheRecipeInTheGridAndLeavesThePartAlone)
         EXPECT_EQ(shown(row, 1), inPart(row, 1)) << row;
     EXPECT_EQ(grid().index(6, 0).data(PatternGridModel::PreviewRole).toInt(), 0);
     EXPECT_EQ(session().part(), before);
+
+    // Opened again, the same window serves.
+    open();
+    EXPECT_EQ(view().findChildren<app::MathWindow*>().size(), 1);
+    choose(QStringLiteral("Arpeggio up"));
+    EXPECT_TRUE(window().apply());
 }
 
 TEST_F(MathWindowTest, ApplyIsOneLiveUndoStepThatUndoTakesBack)
@@ -301,21 +309,6 @@ TEST_F(MathWindowTest, RecipesAreSavedInTheUserFolderAndReadBackNextTime)
     ASSERT_EQ(saved.count(), 1);
     EXPECT_EQ(saved.recipe(0).name, "My recipe 2");
     EXPECT_EQ(list.rowCount(), list.userRow(1));
-}
-
-TEST_F(MathWindowTest, IsBuiltByItsCommandAndKeptAfterwards)
-{
-    // Start-up leaves it unbuilt; the menu command builds and shows it, and keeps that one.
-    EXPECT_EQ(view().findChild<app::MathWindow*>(), nullptr);
-    open();
-    app::MathWindow* first = view().findChild<app::MathWindow*>();
-    ASSERT_NE(first, nullptr);
-    EXPECT_EQ(first, &window());
-    first->hide();
-    open();
-    EXPECT_EQ(view().findChildren<app::MathWindow*>().size(), 1);
-    choose(QStringLiteral("Arpeggio up"));
-    EXPECT_TRUE(window().apply());
 }
 
 TEST_F(MathWindowTest, AnUnreadableRecipeFileIsShownAndNeverOverwritten)

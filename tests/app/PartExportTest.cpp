@@ -59,7 +59,6 @@ protected:
         session().reset(shipped, {});
     }
 
-    PartSession& session() { return *view().partSession(); }
     QString file(const QString& name) const { return m_out.filePath(name); }
     std::string bytes(const QString& path) const
     {
@@ -392,26 +391,6 @@ TEST_F(BuzzPatterns, WritesNothingWithoutAMachineThatTakesNotes)
         EXPECT_FALSE(document().isModified());
     }
     EXPECT_EQ(patternCount(QStringLiteral("Dynamite6")), QStringLiteral("0"));
-}
-
-TEST_F(BuzzPatterns, AChangedSongIsAskedAboutBeforeANewOneReplacesIt)
-{
-    selectMachine(QStringLiteral("Dynamite6"));
-    bool seen = false;
-    onDialog<app::CPartWriteDialog>([](app::CPartWriteDialog& d) { d.accept(); }, seen);
-    frame().action("part.createBuzzPatterns")->trigger();
-    ASSERT_TRUE(document().isModified());
-
-    m_messages.queueAnswer(QMessageBox::Cancel);
-    frame().action("file.new")->trigger();
-    EXPECT_TRUE(document().isModified()) << "cancelled: the song stays";
-    EXPECT_EQ(patternCount(QStringLiteral("Dynamite6")), QStringLiteral("7"));
-
-    m_messages.queueAnswer(QMessageBox::No);
-    frame().action("file.new")->trigger();
-    EXPECT_FALSE(document().isModified());
-    EXPECT_EQ(patternCount(QStringLiteral("Dynamite6")), QStringLiteral("0"));
-    EXPECT_EQ(m_messages.texts().filter(QStringLiteral("Do you want to save it?")).size(), 2);
 }
 
 } // namespace

@@ -31,7 +31,6 @@ QByteArray bytesOf(const QString& path)
 class PartFiles : public apptest::AppFixture
 {
 protected:
-    PartSession& session() { return *view().partSession(); }
     app::PartFileCommands& files() { return *view().partFiles(); }
     QString userFile(const QString& name) { return QDir(files().userFolder()).filePath(name); }
 

@@ -40,6 +40,7 @@
 namespace {
 
 using app::PartSession;
+using apptest::answerDialog;
 using music::TreePosition;
 using Names = std::vector<std::string>;
 
@@ -48,7 +49,6 @@ const Names kDefaultChords = {"C", "Am", "F", "G", "Dm7", "G7", "Cmaj7"};
 class PartList : public apptest::AppFixture
 {
 protected:
-    PartSession& session() { return *view().partSession(); }
     app::PartListPanel& panel() { return *view().partList(); }
     app::PartListModel& model() { return *panel().model(); }
     app::PartListCommands& commands() { return panel().commands(); }
@@ -76,15 +76,6 @@ protected:
         item->trigger();
         QCoreApplication::processEvents();
     }
-    /** Answers the next modal dialog of type D as a user would. */
-    template <typename D> static void answer(const std::function<void(D&)>& fill)
-    {
-        QTimer::singleShot(0, [fill] {
-            auto* dialog = qobject_cast<D*>(QApplication::activeModalWidget());
-            ASSERT_NE(dialog, nullptr);
-            fill(*dialog);
-        });
-    }
     /** The database chord named `name`. */
     TreePosition databaseChord(const std::string& name)
     {
@@ -105,7 +96,6 @@ protected:
         ADD_FAILURE() << "no chord " << name;
         return {};
     }
-    void showWindow() { showActiveFrame(); }
 };
 
 TEST_F(PartList, StartsWithTheDefaultPartAndNothingToUndo)
@@ -270,7 +260,7 @@ TEST_F(PartList, AddedChordsGetTheCurrentPatternAndTheDefaultLength)
 
 TEST_F(PartList, DoubleClickOnADatabaseChordAppendsIt)
 {
-    showWindow();
+    showActiveFrame();
     const TreePosition position = databaseChord("Dmaj");
     chords().selectPosition(position);
     const QModelIndex index = chords().model()->index(position);
@@ -341,7 +331,7 @@ TEST_F(PartList, DropsAddDatabaseChordsAndMoveOrCopyTheListsOwn)
 TEST_F(PartList, ChordSettingsChangeTheCurrentChordAsOneStep)
 {
     panel().selectRows({1}); // Am: A0 C1 E1
-    answer<app::ChordSettingsDialog>([](app::ChordSettingsDialog& d) {
+    answerDialog<app::ChordSettingsDialog>([](app::ChordSettingsDialog& d) {
         EXPECT_EQ(d.nameEdit()->text(), QStringLiteral("Am"));
         EXPECT_EQ(d.patternBox()->currentText(), QStringLiteral("0: Block chord"));
         EXPECT_TRUE(d.octaveBox(2)->isVisibleTo(&d));
@@ -365,14 +355,14 @@ TEST_F(PartList, ChordSettingsChangeTheCurrentChordAsOneStep)
 
     // Cancelled, nothing changes.
     const int steps = session().history().size();
-    answer<app::ChordSettingsDialog>([](app::ChordSettingsDialog& d) { d.reject(); });
+    answerDialog<app::ChordSettingsDialog>([](app::ChordSettingsDialog& d) { d.reject(); });
     trigger("partList.chordSettings");
     EXPECT_EQ(session().history().size(), steps);
 }
 
 TEST_F(PartList, ForbidNotesSetsThePartsFlags)
 {
-    answer<app::ForbidNotesDialog>([](app::ForbidNotesDialog& d) {
+    answerDialog<app::ForbidNotesDialog>([](app::ForbidNotesDialog& d) {
         for (int pc : {1, 6})
             d.keyboard()->setTicked(pc, true);
         d.accept();
@@ -383,7 +373,7 @@ TEST_F(PartList, ForbidNotesSetsThePartsFlags)
     EXPECT_EQ(session().undoText(), QStringLiteral("Edit part"));
 
     // The dialog shows the forbidden notes ticked; allowing one again gives it back its flag.
-    answer<app::ForbidNotesDialog>([](app::ForbidNotesDialog& d) {
+    answerDialog<app::ForbidNotesDialog>([](app::ForbidNotesDialog& d) {
         EXPECT_TRUE(d.keyboard()->isTicked(1));
         EXPECT_FALSE(d.keyboard()->isTicked(2));
         d.keyboard()->setTicked(1, false);
@@ -424,7 +414,7 @@ TEST_F(PartList, EditsInPlaceRenameAndSetPatternAndLength)
 
     // The pattern editor of a cell, answered from the keyboard: on one of several selected
     // chords it sets them all, in one step.
-    showWindow();
+    showActiveFrame();
     panel().selectRows({2, 3, 4});
     QTableView* table = panel().view();
     table->edit(model().index(3, app::PartListModel::PatternColumn));
@@ -453,7 +443,7 @@ TEST_F(PartList, EditsInPlaceRenameAndSetPatternAndLength)
 
 TEST_F(PartList, KeysOfTheMenuWorkInTheList)
 {
-    showWindow();
+    showActiveFrame();
     QTableView* table = panel().view();
     table->setFocus();
     panel().selectRows({0, 1});
@@ -510,7 +500,7 @@ TEST_F(PartList, FindScaleStartsFromTheSelectedChordsNotes)
     panel().selectRows({0, 3}); // C E G and G B D
     const app::CNoteKeyboard::Ticks cAndG = {true,  false, true,  false, true,  false,
                                              false, true,  false, false, false, true};
-    answer<app::CFindDialog>([&cAndG](app::CFindDialog& d) {
+    answerDialog<app::CFindDialog>([&cAndG](app::CFindDialog& d) {
         EXPECT_EQ(d.windowTitle(), QStringLiteral("Find scale"));
         EXPECT_EQ(d.ticks(), cAndG);
         d.accept();
@@ -541,7 +531,7 @@ TEST_F(PartList, PrintListShowsAPreviewAndSavesThePdf)
     EXPECT_TRUE(file.read(5).startsWith("%PDF-"));
 
     bool shown = false;
-    answer<QPrintPreviewDialog>([&shown](QPrintPreviewDialog& d) {
+    answerDialog<QPrintPreviewDialog>([&shown](QPrintPreviewDialog& d) {
         shown = d.findChild<QAction*>(QStringLiteral("saveChordListPdf")) != nullptr;
         d.reject();
     });
@@ -552,7 +542,7 @@ TEST_F(PartList, PrintListShowsAPreviewAndSavesThePdf)
 TEST_F(PartList, PartPresetsTakeTheWholePartUnderTheirName)
 {
     const int before = view().partPresets().count();
-    answer<app::AddPresetDialog>([](app::AddPresetDialog& d) {
+    answerDialog<app::AddPresetDialog>([](app::AddPresetDialog& d) {
         EXPECT_EQ(d.windowTitle(), QStringLiteral("Add Preset"));
         EXPECT_EQ(d.name(), QStringLiteral("noname"));
         d.nameEdit()->setText(QStringLiteral("Demo"));
@@ -588,19 +578,7 @@ TEST_F(PartList, PartPresetsTakeTheWholePartUnderTheirName)
     EXPECT_EQ(view().partPresets().preset(0).part.count(), 6);
 }
 
-TEST_F(PartList, ThePlayingChordIsMarked)
-{
-    session().setPlayingPosition(2, 5);
-    const QModelIndex playing = model().index(2, 0);
-    EXPECT_TRUE(playing.data(Qt::BackgroundRole).isValid());
-    EXPECT_TRUE(playing.data(Qt::FontRole).value<QFont>().bold());
-    EXPECT_EQ(playing.data(Qt::AccessibleDescriptionRole).toString(), QStringLiteral("playing"));
-    EXPECT_FALSE(model().index(1, 0).data(Qt::BackgroundRole).isValid());
-    session().setPlayingPosition(-1, -1);
-    EXPECT_FALSE(playing.data(Qt::BackgroundRole).isValid());
-}
-
-TEST_F(PartList, AssistiveTechnologySeesTheChordsAsATable)
+TEST_F(PartList, AssistiveTechnologySeesTheChordsAsATableWithThePlayingOneMarked)
 {
     EXPECT_EQ(panel().accessibleName(), QStringLiteral("Part chords"));
     QAccessibleInterface* table = QAccessible::queryAccessibleInterface(panel().view());
@@ -614,6 +592,15 @@ TEST_F(PartList, AssistiveTechnologySeesTheChordsAsATable)
         {1, 0, "Am"}, {2, 1, "1: Arpeggio up"}, {6, 2, "32"}};
     for (const auto& [row, col, text] : expected)
         EXPECT_EQ(cells->cellAt(row, col)->text(QAccessible::Name), QString::fromLatin1(text));
+    // The playing chord is marked on screen and for screen readers.
+    session().setPlayingPosition(2, 5);
+    const QModelIndex playing = model().index(2, 0);
+    EXPECT_TRUE(playing.data(Qt::BackgroundRole).isValid());
+    EXPECT_TRUE(playing.data(Qt::FontRole).value<QFont>().bold());
+    EXPECT_EQ(playing.data(Qt::AccessibleDescriptionRole).toString(), QStringLiteral("playing"));
+    EXPECT_FALSE(model().index(1, 0).data(Qt::BackgroundRole).isValid());
+    session().setPlayingPosition(-1, -1);
+    EXPECT_FALSE(playing.data(Qt::BackgroundRole).isValid());
     QAccessibleTableCellInterface* header = cells->cellAt(0, 1)->tableCellInterface();
     ASSERT_NE(header, nullptr);
     ASSERT_EQ(header->columnHeaderCells().size(), 1);

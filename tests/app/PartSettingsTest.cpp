@@ -49,7 +49,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     QString shown(int row) { return m_panel->model()->index(row, 1).data().toString(); }
     /** Opens the row's editor as a user does: the row chosen, then F2. */
     template <typename Editor> Editor* openEditor(int row)

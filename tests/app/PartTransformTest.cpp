@@ -22,18 +22,17 @@
 #include <QSpinBox>
 #include <QStatusBar>
 #include <QTest>
-#include <QTimer>
 
 #include <functional>
 
 namespace {
 
 using app::PartSession;
+using apptest::answerDialog;
 
 class PartTransforms : public apptest::AppFixture
 {
 protected:
-    PartSession& session() { return *view().partSession(); }
     app::PartListPanel& panel() { return *view().partList(); }
 
     /** "name notes" of a chord, as the part list's notes view writes them. */
@@ -60,15 +59,6 @@ protected:
         item->trigger();
         QCoreApplication::processEvents();
     }
-    /** Fills in the next modal dialog of type D and closes it as `fill` says. */
-    template <typename D> static void answer(const std::function<void(D&)>& fill)
-    {
-        QTimer::singleShot(0, [fill] {
-            auto* dialog = qobject_cast<D*>(QApplication::activeModalWidget());
-            ASSERT_NE(dialog, nullptr);
-            fill(*dialog);
-        });
-    }
 };
 
 TEST_F(PartTransforms, EachTransformationIsOneUndoStepOnTheSelectionOrTheWholePart)
@@ -91,7 +81,7 @@ TEST_F(PartTransforms, EachTransformationIsOneUndoStepOnTheSelectionOrTheWholePa
          true,
          {},
          [] {
-             answer<app::TransposeDialog>([](app::TransposeDialog& d) {
+             answerDialog<app::TransposeDialog>([](app::TransposeDialog& d) {
                  d.halfNotesBox()->setValue(2);
                  d.accept();
              });
@@ -103,7 +93,7 @@ TEST_F(PartTransforms, EachTransformationIsOneUndoStepOnTheSelectionOrTheWholePa
          false,
          {1, 2},
          [] {
-             answer<app::TransposeDialog>([](app::TransposeDialog& d) {
+             answerDialog<app::TransposeDialog>([](app::TransposeDialog& d) {
                  d.halfNotesBox()->setValue(-1);
                  d.accept();
              });
@@ -115,7 +105,7 @@ TEST_F(PartTransforms, EachTransformationIsOneUndoStepOnTheSelectionOrTheWholePa
          false,
          {0, 1},
          [] {
-             answer<app::MirrorDialog>([](app::MirrorDialog& d) {
+             answerDialog<app::MirrorDialog>([](app::MirrorDialog& d) {
                  d.setAxis({3, true});
                  d.accept();
              });
@@ -127,7 +117,7 @@ TEST_F(PartTransforms, EachTransformationIsOneUndoStepOnTheSelectionOrTheWholePa
          true,
          {0, 1},
          [] {
-             answer<app::NoteLimitsDialog>([](app::NoteLimitsDialog& d) {
+             answerDialog<app::NoteLimitsDialog>([](app::NoteLimitsDialog& d) {
                  d.lowBox()->setValue(12);
                  d.highBox()->setValue(23);
                  d.accept();
@@ -176,7 +166,7 @@ TEST_F(PartTransforms, DialogsShowWhatChangesAndRefuseWhatTheLibraryRefuses)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        answer<app::TransposeDialog>([&c](app::TransposeDialog& d) {
+        answerDialog<app::TransposeDialog>([&c](app::TransposeDialog& d) {
             EXPECT_EQ(d.scopeLabel()->text(), QStringLiteral("Acts on all 7 chords of the part."));
             c.fill(d);
             EXPECT_FALSE(d.okButton()->isEnabled());
@@ -187,7 +177,7 @@ TEST_F(PartTransforms, DialogsShowWhatChangesAndRefuseWhatTheLibraryRefuses)
         trigger("part.transpose");
     }
     // A range narrower than an octave has no place for every note.
-    answer<app::NoteLimitsDialog>([](app::NoteLimitsDialog& d) {
+    answerDialog<app::NoteLimitsDialog>([](app::NoteLimitsDialog& d) {
         d.lowBox()->setValue(24);
         d.highBox()->setValue(33);
         EXPECT_FALSE(d.okButton()->isEnabled());
@@ -202,7 +192,7 @@ TEST_F(PartTransforms, DialogsShowWhatChangesAndRefuseWhatTheLibraryRefuses)
     EXPECT_EQ(session().history().size(), steps) << "cancelled dialogs change nothing";
 }
 
-TEST_F(PartTransforms, NotesAreEnteredByNameAndOctave)
+TEST(NoteSpinBox, TakesNotesByNameAndOctave)
 {
     app::NoteSpinBox box;
     struct Case
@@ -234,7 +224,7 @@ TEST_F(PartTransforms, TransposingANameWithoutARootMarksItAndSaysSo)
         return true;
     });
     panel().selectRows({0, 1});
-    answer<app::TransposeDialog>([](app::TransposeDialog& d) {
+    answerDialog<app::TransposeDialog>([](app::TransposeDialog& d) {
         d.halfNotesBox()->setValue(2);
         d.accept();
     });

@@ -50,7 +50,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     app::PatternGridView* grid() { return m_panel->grid(); }
     PatternGridModel* model() { return m_panel->model(); }
     const part::Pattern& pattern()
@@ -62,14 +61,22 @@ protected:
         return app::PatternCellText::format(pattern().cell(track, row));
     }
 
-    /** Types keys into the grid; "^" is the Up arrow, every other character its own key. */
+    /**
+     * Types keys into the grid; "^" is the Up arrow, "~" makes the next digit the keypad's, every
+     * other character is its own key.
+     */
     void type(const QString& keys)
     {
+        bool keypad = false;
         for (const QChar c : keys) {
-            if (c == QLatin1Char('^'))
+            if (c == QLatin1Char('^')) {
                 QTest::keyClick(grid(), Qt::Key_Up);
-            else
-                QTest::keyClick(grid(), c.toLatin1());
+            } else if (c == QLatin1Char('~')) {
+                keypad = true;
+            } else {
+                QTest::keyClick(grid(), c.toLatin1(), keypad ? Qt::KeypadModifier : Qt::NoModifier);
+                keypad = false;
+            }
         }
     }
     void press(const char* keys)
@@ -109,8 +116,11 @@ TEST_F(PatternGrid, KeysEnterCellsAndTheCursorMovesOn)
     {
         const char* keys;
         bool digitsPlayNotes;
-        QStringList cells; // track 1 from row 0
+        QStringList cells; // from the first row typed on
         int cursorRow;
+        int track = 0;
+        int row = 0;
+        int step = 1;
     };
     // clang-format off
     const Case cases[] = {
@@ -130,6 +140,8 @@ TEST_F(PatternGrid, KeysEnterCellsAndTheCursorMovesOn)
         {"1^.", false, {""}, 1},
         {"890", false, {""}, 0},               // no chord note 8, 9 or 0
         {"1a", false, {"1"}, 1},               // other letters do nothing, nor jump
+        // Keypad digits stay chord notes; a step of 4 stops at the last row.
+        {"~33", true, {"3", "D#5"}, 63, 3, 62, 4},
     };
     // clang-format on
     for (const Case& c : cases) {
@@ -137,27 +149,16 @@ TEST_F(PatternGrid, KeysEnterCellsAndTheCursorMovesOn)
         session().newPart();
         session().setDefaultOctave(4);
         m_panel->setDigitsPlayNotes(c.digitsPlayNotes);
-        m_panel->moveCursorTo(0, 0);
+        m_panel->setStep(c.step);
+        m_panel->moveCursorTo(c.row, c.track);
         type(QString::fromLatin1(c.keys));
         for (int row = 0; row < c.cells.size(); ++row)
-            EXPECT_EQ(cellText(0, row), c.cells[row]) << "row " << row;
+            EXPECT_EQ(cellText(c.track, c.row + row), c.cells[row]) << "row " << c.row + row;
         EXPECT_EQ(pattern().usedCellCount(),
                   std::count_if(c.cells.begin(), c.cells.end(),
                                 [](const QString& s) { return !s.isEmpty(); }));
         EXPECT_EQ(m_panel->cursorRow(), c.cursorRow);
     }
-}
-
-TEST_F(PatternGrid, KeypadDigitsStayChordNotesAndTheStepSettingIsHonoured)
-{
-    m_panel->setDigitsPlayNotes(true);
-    m_panel->setStep(4);
-    m_panel->moveCursorTo(62, 3);
-    QTest::keyClick(grid(), Qt::Key_3, Qt::KeypadModifier);
-    EXPECT_EQ(cellText(3, 62), QStringLiteral("3"));
-    EXPECT_EQ(m_panel->cursorRow(), 63); // the step stops at the last row
-    QTest::keyClick(grid(), Qt::Key_3);
-    EXPECT_EQ(cellText(3, 63), QStringLiteral("D#5"));
 }
 
 TEST_F(PatternGrid, EachEntryIsOneLiveUndoStepNamedEditPattern)

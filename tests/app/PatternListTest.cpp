@@ -65,7 +65,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     QAbstractItemModel* model() { return m_panel->patternModel(); }
 
     /** Patterns "p0".."p<n-1>" and one chord on each pattern listed, as from a file. */

@@ -44,7 +44,6 @@ protected:
         });
     }
 
-    PartSession& session() { return *view().partSession(); }
     app::PatternGridModel* model() { return m_panel->model(); }
     const part::Pattern& pattern() { return session().part().patterns().pattern(0); }
 

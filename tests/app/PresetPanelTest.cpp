@@ -114,7 +114,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     PresetPanel* patterns() { return view().patternPresetPanel(); }
     PresetPanel* parts() { return view().partPresetPanel(); }
     static QAction* item(PresetPanel* panel, const QString& command)

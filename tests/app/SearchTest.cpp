@@ -10,7 +10,8 @@
 #include <QComboBox>
 #include <QListWidget>
 #include <QTest>
-#include <QTimer>
+
+#include <optional>
 
 namespace {
 
@@ -55,7 +56,7 @@ protected:
     }
 };
 
-TEST_F(Search, FindChordSelectsTheFirstHitInWalkOrder)
+TEST_F(Search, FindChordSelectsTheFirstHitInWalkOrderOrLeavesTheSelection)
 {
     struct Case
     {
@@ -64,32 +65,32 @@ TEST_F(Search, FindChordSelectsTheFirstHitInWalkOrder)
         const char* include;
         const char* skip;
         TreePosition expected;
+        std::optional<TreePosition> before = std::nullopt; // selected first
     };
     const Case cases[] = {
         {"C E G in any octave", ticksOf({0, 4, 7}), "", "", TreePosition::ofChord(0, 0, 0, 0)},
         {"include maj, skip 7", {}, "Maj", "7", TreePosition::ofChord(0, 0, 0, 0)},
         {"skip maj", {}, "", "MAJ", TreePosition::ofChord(0, 0, 0, 2)},
         {"notes across octaves", ticksOf({2, 11}), "", "", TreePosition::ofChord(0, 1, 0, 0)},
+        {"no hit", ticksOf({1}), "", "", TreePosition::ofChord(0, 0, 0, 1),
+         TreePosition::ofChord(0, 0, 0, 1)},
+        {"the only hit selected already",
+         {},
+         "am",
+         "",
+         TreePosition::ofChord(0, 0, 0, 2),
+         TreePosition::ofChord(0, 0, 0, 2)},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         chords().tree()->clearSelection();
         chords().tree()->setCurrentIndex({});
+        if (c.before)
+            chords().selectPosition(*c.before);
         chords().menuCommands().findChordWith(c.ticks, QString::fromLatin1(c.include),
                                               QString::fromLatin1(c.skip));
         EXPECT_EQ(chords().currentPosition(), c.expected);
     }
-}
-
-TEST_F(Search, NoHitLeavesTheSelectionAsItWas)
-{
-    chords().selectPosition(TreePosition::ofChord(0, 0, 0, 1));
-    chords().menuCommands().findChordWith(ticksOf({1}), QString(), QString());
-    EXPECT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
-    // The only hit is selected already: nothing new is selected.
-    chords().selectPosition(TreePosition::ofChord(0, 0, 0, 2));
-    chords().menuCommands().findChordWith({}, QStringLiteral("am"), QString());
-    EXPECT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 2));
 }
 
 TEST_F(Search, ContinueSearchMovesOnAndWrapsAround)
@@ -131,16 +132,14 @@ TEST_F(Search, TextsEnteredInTheDialogFillTheHistoryOnce)
 {
     // The dialog is answered as a user would: the include text typed twice, in two spellings.
     for (const char* text : {"Maj", "mAJ"}) {
-        QTimer::singleShot(0, [text] {
-            auto* dialog = qobject_cast<app::CFindDialog*>(QApplication::activeModalWidget());
-            ASSERT_NE(dialog, nullptr);
-            EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Find chord"));
-            EXPECT_EQ(dialog->includeBox()->toolTip(),
+        apptest::answerDialog<app::CFindDialog>([text](app::CFindDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Find chord"));
+            EXPECT_EQ(dialog.includeBox()->toolTip(),
                       QStringLiteral("Find chords/scales including this text."));
-            EXPECT_EQ(dialog->skipBox()->toolTip(),
+            EXPECT_EQ(dialog.skipBox()->toolTip(),
                       QStringLiteral("Skip, if text is part of the chords name."));
-            dialog->includeBox()->setEditText(QString::fromLatin1(text));
-            dialog->accept();
+            dialog.includeBox()->setEditText(QString::fromLatin1(text));
+            dialog.accept();
         });
         chords().menuCommands().findChord();
     }
@@ -149,20 +148,14 @@ TEST_F(Search, TextsEnteredInTheDialogFillTheHistoryOnce)
     EXPECT_EQ(chords().currentPosition(), TreePosition::ofChord(0, 0, 0, 1));
 
     // The next dialog offers the history in its drop-down.
-    QTimer::singleShot(0, [] {
-        auto* dialog = qobject_cast<app::CFindDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        EXPECT_EQ(dialog->includeBox()->count(), 1);
-        EXPECT_EQ(dialog->includeBox()->itemText(0), QStringLiteral("maj"));
-        EXPECT_TRUE(dialog->includeBox()->currentText().isEmpty());
-        dialog->reject();
+    apptest::answerDialog<app::CFindDialog>([](app::CFindDialog& dialog) {
+        EXPECT_EQ(dialog.includeBox()->count(), 1);
+        EXPECT_EQ(dialog.includeBox()->itemText(0), QStringLiteral("maj"));
+        EXPECT_TRUE(dialog.includeBox()->currentText().isEmpty());
+        dialog.reject();
     });
     chords().menuCommands().findChord();
 }
-
-} // namespace
-
-namespace {
 
 TEST_F(Search, KeysWorkInTheShownWindow)
 {

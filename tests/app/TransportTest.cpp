@@ -19,7 +19,6 @@
 #include <QSpinBox>
 #include <QTableView>
 #include <QTest>
-#include <QTimer>
 #include <QTreeView>
 
 namespace {
@@ -70,7 +69,6 @@ protected:
         AppFixture::TearDown();
     }
 
-    PartSession& session() { return *view().partSession(); }
     app::TransportController& transport() { return *view().transport(); }
     void setTempo(int bpm, int tpb)
     {
@@ -101,16 +99,6 @@ protected:
     {
         return {frame().action("part.play")->isChecked(),
                 frame().action("part.playChord")->isChecked()};
-    }
-    /** Runs `answer` on the next modal dialog, once the command below has opened it. */
-    template <typename Dialog> void onDialog(std::function<void(Dialog&)> answer, bool* seen)
-    {
-        QTimer::singleShot(0, [answer, seen] {
-            auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-            *seen = dialog != nullptr;
-            if (dialog != nullptr)
-                answer(*dialog);
-        });
     }
 };
 
@@ -179,7 +167,7 @@ TEST_F(Transport, WithoutADeviceTheMidiSettingsDialogOpensFirst)
         SCOPED_TRACE(c.what);
         view().midiSettings().setDeviceNumber(midi::MidiSettings::kNoDevice);
         bool asked = false;
-        onDialog<app::CMidiSettingsDialog>(
+        apptest::onDialog<app::CMidiSettingsDialog>(
             [choice = c.choice](app::CMidiSettingsDialog& dialog) {
                 if (choice < 0) {
                     dialog.reject();
@@ -188,7 +176,7 @@ TEST_F(Transport, WithoutADeviceTheMidiSettingsDialogOpensFirst)
                 dialog.deviceBox()->setCurrentIndex(choice);
                 dialog.accept();
             },
-            &asked);
+            asked);
         key(Qt::Key_F5);
         EXPECT_TRUE(asked);
         EXPECT_EQ(transport().isPlaying(), c.plays);
