@@ -1,4 +1,5 @@
 #include "app/CTonalmancerApp.h"
+#include "app/FontConfigWarmUp.h"
 
 #include <QApplication>
 
@@ -21,6 +22,7 @@ int main(int argc, char* argv[])
         return 0;
     }
 
+    const app::FontConfigWarmUp fonts; // while Qt connects to the display
     QApplication application(argc, argv);
     app::CTonalmancerApp::setApplicationNames();
     app::CTonalmancerApp tonalmancer;
