@@ -20,6 +20,11 @@ FontConfigWarmUp::FontConfigWarmUp()
 
 FontConfigWarmUp::~FontConfigWarmUp()
 {
+    wait();
+}
+
+void FontConfigWarmUp::wait()
+{
     if (m_thread.joinable())
         m_thread.join();
 }

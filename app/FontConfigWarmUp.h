@@ -7,8 +7,8 @@ namespace app {
 /**
  * Loads the system's font configuration (fontconfig's configuration files and font caches) on
  * a thread of its own while the program connects to the window system and builds its window,
- * so that the first text measured does not wait for it. Only where Qt finds its fonts through
- * fontconfig (Linux); elsewhere nothing happens. The thread is joined on destruction.
+ * so that the first text measured waits less or not at all. Only where Qt finds its fonts
+ * through fontconfig (Linux); elsewhere nothing happens. The thread is joined on destruction.
  */
 class FontConfigWarmUp
 {
@@ -17,6 +17,12 @@ public:
     ~FontConfigWarmUp();
     FontConfigWarmUp(const FontConfigWarmUp&) = delete;
     FontConfigWarmUp& operator=(const FontConfigWarmUp&) = delete;
+
+    /**
+     * Waits until the configuration is loaded. Call before the first text is measured: Qt asking
+     * while the thread still loads would load a second copy instead of waiting for this one.
+     */
+    void wait();
 
 private:
     std::thread m_thread;

@@ -22,12 +22,13 @@ int main(int argc, char* argv[])
         return 0;
     }
 
-    const app::FontConfigWarmUp fonts; // while Qt connects to the display
+    app::FontConfigWarmUp fonts; // while Qt connects to the display
     QApplication application(argc, argv);
     app::CTonalmancerApp::setApplicationNames();
     app::CTonalmancerApp tonalmancer;
     QStringList arguments = QApplication::arguments();
     arguments.removeFirst();
+    fonts.wait(); // the window's first text needs it
     if (!tonalmancer.start(arguments))
         return 1;
     return QApplication::exec();
