@@ -33,10 +33,11 @@ QMenu* ActionFactory::buildContextMenu(std::string_view name, QWidget* parent,
     std::map<QString, QMenu*> subMenus; // by full path
     const QString rootName = toQString(name);
     for (const CommandEntry& entry : commands::contextMenus()) {
-        const QString path = toQString(entry.path);
-        const QStringList parts = path.split(QLatin1Char('|'));
-        if (parts.front() != rootName)
+        // The table holds every widget's menu: the others' entries are skipped before any text
+        // is made (this runs for each panel at start).
+        if (entry.path.substr(0, entry.path.find('|')) != name)
             continue;
+        const QStringList parts = toQString(entry.path).split(QLatin1Char('|'));
         QMenu* menu = root;
         QString key = rootName;
         for (qsizetype i = 1; i < parts.size(); ++i) {

@@ -152,6 +152,15 @@ QIcon AppIcons::forCommand(std::string_view commandId)
     return {};
 }
 
+QIcon AppIcons::ownForCommand(std::string_view commandId)
+{
+    for (const CommandIcon& entry : kCommandIcons) {
+        if (entry.commandId == commandId)
+            return own(entry.ownName);
+    }
+    return {};
+}
+
 QIcon AppIcons::own(std::string_view name)
 {
     return fromRenderedSizes(QStringLiteral(":/icons/toolbar/") +

@@ -31,6 +31,12 @@ public:
     /** The icon of a command: the theme's, else the program's own; null for other commands. */
     static QIcon forCommand(std::string_view commandId);
 
+    /**
+     * The program's own icon of a command, without asking the theme (which can take thousands of
+     * file look-ups); null for commands without an icon.
+     */
+    static QIcon ownForCommand(std::string_view commandId);
+
     /** One of the program's own icons by its drawing's name; null for an unknown name. */
     static QIcon own(std::string_view name);
 

@@ -96,7 +96,7 @@ void CMainFrame::createActions()
             if (m_actions.count(entry.id) != 0)
                 continue;
             QAction* created = ActionFactory::createAction(entry, this);
-            created->setIcon(AppIcons::forCommand(entry.id));
+            created->setIcon(AppIcons::ownForCommand(entry.id));
             // Accelerators work anywhere in the main window, menus open or not.
             addAction(created);
             m_actions.emplace(std::string(entry.id), created);
@@ -127,6 +127,15 @@ void CMainFrame::createActions()
     for (const char* id : {"part.play", "part.playChord"}) {
         // A click toggles the check mark; the flags decide what it shows.
         connect(action(id), &QAction::triggered, this, [this] { updateCommandStates(); });
+    }
+}
+
+void CMainFrame::applyThemeIcons()
+{
+    for (const AppIcons::CommandIcon& entry : AppIcons::commandIcons()) {
+        QAction* command = action(entry.commandId);
+        if (command != nullptr && !entry.themeName.empty())
+            command->setIcon(AppIcons::forCommand(entry.commandId));
     }
 }
 

@@ -50,6 +50,12 @@ public:
     /** Shows each playing command checked exactly while its flag is set. */
     void updateCommandStates();
 
+    /**
+     * Gives the commands the desktop theme's icons where it has their freedesktop names; until
+     * then they show the program's own drawings.
+     */
+    void applyThemeIcons();
+
     /** Restores size, position, toolbar layout and splitters of the last run. */
     void restoreWindowState();
 

@@ -33,7 +33,6 @@ void CTonalmancerApp::setApplicationNames()
     QCoreApplication::setApplicationVersion(QStringLiteral(TM_VERSION));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Tonalmancer"));
     QGuiApplication::setDesktopFileName(desktopFileName());
-    QApplication::setWindowIcon(AppIcons::application());
 }
 
 QString CTonalmancerApp::desktopFileName()
@@ -77,10 +76,23 @@ bool CTonalmancerApp::start(const QStringList& arguments, bool show)
     openFromCommandLine(line);
 
     m_frame->restoreWindowState();
-    FirstPaintProbe::installIfAsked(*m_frame);
-    if (show)
+    if (show) {
+        FirstPaintProbe::afterFirstPaint(*m_frame, [this] { completeStart(); });
         m_frame->showMaximized();
+    } else {
+        completeStart();
+    }
     return true;
+}
+
+void CTonalmancerApp::completeStart()
+{
+    // The desktop's icon theme is searched file by file where it has no valid cache (some
+    // thousand look-ups for the commands' icons), and the window system gets the application
+    // icon in every size: neither shows in the window's first frame, which has the program's
+    // own drawings on its buttons.
+    m_frame->applyThemeIcons();
+    QApplication::setWindowIcon(AppIcons::application());
 }
 
 void CTonalmancerApp::openFromCommandLine(const CommandLine& line)

@@ -44,8 +44,8 @@ public:
     ~CTonalmancerApp() override;
 
     /**
-     * Sets the names QSettings and the dialogs use, the desktop entry the window belongs to and
-     * the window icon; call before the first window exists.
+     * Sets the names QSettings and the dialogs use and the desktop entry the window belongs to;
+     * call before the first window exists. The window icon follows once the window is on screen.
      */
     static void setApplicationNames();
 
@@ -58,7 +58,8 @@ public:
      * Starts the program with its arguments (without the program name). Returns false, having
      * shown why, when the data folder cannot be used or the arguments are wrong. A file that
      * cannot be opened is reported and the program starts without it. `show` false keeps the
-     * window hidden (tests).
+     * window hidden (tests) and completes the start at once; else the window is shown and the
+     * start is completed right after its first frame (completeStart()).
      */
     bool start(const QStringList& arguments, bool show = true);
 
@@ -69,6 +70,8 @@ public:
 
 private:
     void openFromCommandLine(const CommandLine& line);
+    /** What the first frame does not need: the desktop theme's icons, the window icon. */
+    void completeStart();
 
     std::shared_ptr<midi::MidiPortList> m_ports;
     PartEditorOpener m_partEditorOpener;

@@ -6,6 +6,7 @@
 #include "app/CTonalmancerDoc.h"
 #include "app/ChordDatabasePanel.h"
 #include "app/ChordTransformCommands.h"
+#include "app/DefaultFilesReader.h"
 #include "app/KeyboardPanel.h"
 #include "app/MachinePanel.h"
 #include "app/MathWindow.h"
@@ -88,6 +89,8 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     : CResizableFormView(parent), m_frame(frame), m_document(document),
       m_dataFolder(std::move(dataFolder)), m_ports(std::move(ports))
 {
+    // Parsed beside the building of the panels, taken by initialUpdate().
+    m_defaultFiles = std::make_unique<DefaultFilesReader>(m_dataFolder);
     setObjectName(QStringLiteral("tonalmancerView"));
     setAccessibleName(tr("Tonalmancer workbench"));
     m_undoRouter = new UndoRouter(m_frame.action("edit.undo"), m_frame.action("edit.redo"), this);
@@ -390,10 +393,17 @@ void CTonalmancerView::initialUpdate()
         m_midiSettings =
             midi::MidiSettings::read(m_dataFolder.file(midi::MidiSettings::kFileName), *m_ports);
     }
-    m_chordDatabase->loadDefaults();
+    DefaultFilesReader::Files files =
+        m_defaultFiles ? m_defaultFiles->take() : DefaultFilesReader::read(m_dataFolder);
+    m_defaultFiles.reset();
+    m_chordDatabase->loadDefaults(files);
     openMidiInput(false); // a keyboard not plugged in at start is no reason for a message box
-    m_partPresetPanel->loadDefaultQuietly();
-    m_patternPresetPanel->loadDefaultQuietly();
+    if (files.partPresets)
+        m_partPresetSource->adopt(std::move(*files.partPresets));
+    m_partPresetPanel->showReplacedList();
+    if (files.patternPresets)
+        m_patternPresetSource->adopt(std::move(*files.patternPresets));
+    m_patternPresetPanel->showReplacedList();
     m_machinePanel->applySettings();
     m_partFiles->loadAtStart();
 }

@@ -27,6 +27,7 @@ namespace app {
 class CMainFrame;
 class CTonalmancerDoc;
 class ChordDatabasePanel;
+class DefaultFilesReader;
 class KeyboardPanel;
 class MachinePanel;
 class MathWindow;
@@ -190,6 +191,7 @@ private:
     TransportController* m_transport = nullptr;
     PartExportCommands* m_partExports = nullptr;
     std::unique_ptr<PartMidiDrag> m_midiDrag;
+    std::unique_ptr<DefaultFilesReader> m_defaultFiles; // reading until initialUpdate()
     PresetPanel* m_partPresetPanel = nullptr;
     PresetPanel* m_patternPresetPanel = nullptr;
     PartPresetSource* m_partPresetSource = nullptr;       // owned by m_partPresetPanel

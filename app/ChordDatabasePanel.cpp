@@ -70,17 +70,14 @@ ChordDatabasePanel::ChordDatabasePanel(ActionFactory::ActionLookup actions,
 
 ChordDatabasePanel::~ChordDatabasePanel() = default;
 
-void ChordDatabasePanel::loadDefaults()
+void ChordDatabasePanel::loadDefaults(DefaultFilesReader::Files& files)
 {
-    music::ChordTypeList types;
-    if (types.load(m_dataFolder.file(music::ChordTypeList::kDefaultFileName)))
-        m_types = std::move(types);
-    music::ScaleList scales;
-    if (scales.load(m_dataFolder.file(music::ScaleList::kDefaultFileName)))
-        m_scales = std::move(scales);
-    music::ChordCollection collection;
-    if (collection.load(m_dataFolder.file(music::ChordCollection::kDefaultFileName)))
-        m_collection = std::move(collection);
+    if (files.chordTypes)
+        m_types = std::move(*files.chordTypes);
+    if (files.scales)
+        m_scales = std::move(*files.scales);
+    if (files.collection)
+        m_collection = std::move(*files.collection);
     refreshTree();
 }
 

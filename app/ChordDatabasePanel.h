@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ActionFactory.h"
+#include "app/DefaultFilesReader.h"
 #include "music/ChordCollection.h"
 #include "music/ChordTypeList.h"
 #include "music/DataFolder.h"
@@ -50,10 +51,11 @@ public:
     ~ChordDatabasePanel() override;
 
     /**
-     * Loads the shipped chord types, scales and chord database; a missing or damaged file leaves
-     * its list as it was without a message, so that a first start without data still opens.
+     * Takes the shipped chord types, scales and chord database as read at start; a list whose
+     * file was missing or damaged stays as it was without a message, so that a first start
+     * without data still opens.
      */
-    void loadDefaults();
+    void loadDefaults(DefaultFilesReader::Files& files);
     /** Keeps the option to write "default.crd" after each change for the next run. */
     void saveSettings() const;
 

@@ -9,11 +9,19 @@
 
 namespace app {
 
-void FirstPaintProbe::installIfAsked(QWidget& window)
+namespace {
+
+void say(const char* line)
 {
-    if (qEnvironmentVariableIsEmpty(kVariable))
-        return;
-    window.installEventFilter(new FirstPaintProbe(&window));
+    std::fputs(line, stdout);
+    std::fflush(stdout);
+}
+
+} // namespace
+
+void FirstPaintProbe::afterFirstPaint(QWidget& window, std::function<void()> then)
+{
+    window.installEventFilter(new FirstPaintProbe(&window, std::move(then)));
 }
 
 bool FirstPaintProbe::eventFilter(QObject* watched, QEvent* event)
@@ -22,10 +30,18 @@ bool FirstPaintProbe::eventFilter(QObject* watched, QEvent* event)
         m_seen = true;
         // The window paints first, its children in the same pass, then the frame is flushed:
         // a zero timer runs once all of that is done.
-        QTimer::singleShot(0, [] {
-            std::fputs("first paint\n", stdout);
-            std::fflush(stdout);
-            std::_Exit(0);
+        QTimer::singleShot(0, this, [this] {
+            const bool probing = !qEnvironmentVariableIsEmpty(kVariable);
+            if (probing)
+                say("first paint\n");
+            const std::function<void()> then = std::move(m_then);
+            if (then)
+                then();
+            if (probing) {
+                say("ready\n");
+                std::_Exit(0);
+            }
+            deleteLater();
         });
     }
     return QObject::eventFilter(watched, event);

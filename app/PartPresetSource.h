@@ -18,6 +18,8 @@ class PartPresetSource : public PresetSource
     Q_DECLARE_TR_FUNCTIONS(PartPresetSource)
 public:
     const part::PartPresetList& list() const { return m_list; }
+    /** Takes a list read elsewhere (the default file, read while the window is built). */
+    void adopt(part::PartPresetList list) { m_list = std::move(list); }
 
     std::string_view menuName() const override { return "partPresets"; }
     std::string_view commandPrefix() const override { return "partPreset"; }

@@ -65,11 +65,12 @@ PatternGridPanel::PatternGridPanel(PartSession& session, const ActionFactory::Ac
            "fixed notes."));
     m_header = new PatternTrackHeader(m_grid);
     m_grid->setHorizontalHeader(m_header);
-    m_grid->setModel(m_model);
-    m_grid->setItemDelegate(new PatternGridDelegate(m_grid));
+    // Font and row height before the model: its 64 rows are laid out once, not three times.
     m_grid->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_grid->verticalHeader()->setDefaultSectionSize(m_grid->fontMetrics().height() + 4);
     m_grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_grid->setModel(m_model);
+    m_grid->setItemDelegate(new PatternGridDelegate(m_grid));
     m_grid->setToolTip(tr(kKeysHelp));
     m_grid->setContextMenuPolicy(Qt::CustomContextMenu);
     m_grid->setCurrentIndex(m_model->index(0, 0));

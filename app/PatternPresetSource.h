@@ -21,6 +21,8 @@ class PatternPresetSource : public PresetSource
     Q_DECLARE_TR_FUNCTIONS(PatternPresetSource)
 public:
     const part::PatternPresetList& list() const { return m_list; }
+    /** Takes a list read elsewhere (the default file, read while the window is built). */
+    void adopt(part::PatternPresetList list) { m_list = std::move(list); }
 
     std::string_view menuName() const override { return "patternPresets"; }
     std::string_view commandPrefix() const override { return "patternPreset"; }

@@ -196,6 +196,8 @@ void PianoKeyboard::paintEvent(QPaintEvent* event)
     const QColor heldColor = pal.color(QPalette::Highlight);
     const QColor playedColor(230, 140, 30);
     const QRect dirty = event->rect();
+    QFont labelFont = painter.font(); // the C keys' octave names
+    labelFont.setPointSizeF(std::max(6.0, labelFont.pointSizeF() * 0.8));
     const auto drawKey = [&](int note) {
         const QRect rect = keyRect(note);
         if (!rect.intersects(dirty))
@@ -216,9 +218,7 @@ void PianoKeyboard::paintEvent(QPaintEvent* event)
         }
         if (!black && note % kOctave == 0) {
             painter.setPen(Qt::black);
-            QFont font = painter.font();
-            font.setPointSizeF(std::max(6.0, font.pointSizeF() * 0.8));
-            painter.setFont(font);
+            painter.setFont(labelFont);
             painter.drawText(rect.adjusted(0, 0, 0, isPlayed(note) ? -18 : -3),
                              Qt::AlignHCenter | Qt::AlignBottom,
                              QString::fromStdString(music::noteNameWithOctave(note)));

@@ -298,9 +298,8 @@ bool PresetPanel::saveAsDefault()
     return saveTo(QString::fromStdString(defaultFile().string()));
 }
 
-void PresetPanel::loadDefaultQuietly()
+void PresetPanel::showReplacedList()
 {
-    m_source->load(defaultFile());
     m_model->refresh();
     updateCommands();
 }

@@ -66,8 +66,11 @@ public:
     void save();
     bool loadDefault();
     bool saveAsDefault();
-    /** At start-up: reads the default file; a missing or damaged file is not reported. */
-    void loadDefaultQuietly();
+    /**
+     * Shows the source's list after it was replaced from outside: at start-up the default file
+     * is read while the window is built, and a missing or damaged one is not reported.
+     */
+    void showReplacedList();
 
     /**
      * "Add Pattern To Presets" / "Add Part To Presets": asks for the name in the "Add Preset"

@@ -1,4 +1,5 @@
 #include "app/CTonalmancerApp.h"
+#include "app/FontConfigWarmUp.h"
 
 #include <QApplication>
 
@@ -21,11 +22,13 @@ int main(int argc, char* argv[])
         return 0;
     }
 
+    app::FontConfigWarmUp fonts; // while Qt connects to the display
     QApplication application(argc, argv);
     app::CTonalmancerApp::setApplicationNames();
     app::CTonalmancerApp tonalmancer;
     QStringList arguments = QApplication::arguments();
     arguments.removeFirst();
+    fonts.wait(); // the window's first text needs it
     if (!tonalmancer.start(arguments))
         return 1;
     return QApplication::exec();

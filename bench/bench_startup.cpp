@@ -4,8 +4,10 @@
 // the file cache; the medians and their ratio are reported (goal: at most 1.5x the bare window).
 //
 // The window ends itself after its first frame (TM_EXIT_AFTER_FIRST_PAINT), which it signals on
-// stdout; the time runs from fork() to that line. Under a display (DISPLAY set, as with xvfb-run)
-// both use it, else Qt's offscreen platform. The settings live in a temporary folder.
+// stdout; the time runs from fork() to that line. The program completes its start right after
+// that frame (the desktop theme's icons, the window icon) and says "ready" before it ends: that
+// time is reported too (program_ready_ms). Under a display (DISPLAY set, as with xvfb-run) both
+// use it, else Qt's offscreen platform. The settings live in a temporary folder.
 // The program is the Release build beside the benchmarks, else TM_BENCH_APP, else
 // build/package/bin/tonalmancer, else build/dev/bin/tonalmancer (a debug build: slower).
 
@@ -42,12 +44,18 @@ fs::path programPath()
     return {};
 }
 
-/** Milliseconds from fork() to the "first paint" line; negative when the window never said it. */
-double startToFirstPaint(const fs::path& program, const fs::path& settings)
+struct Start
+{
+    double firstPaintMs = -1; // negative: the window never said it
+    double readyMs = -1;      // negative: never said (the bare window has no such line)
+};
+
+/** Milliseconds from fork() to the "first paint" line and to the "ready" line. */
+Start startToFirstPaint(const fs::path& program, const fs::path& settings)
 {
     int pipeEnds[2];
     if (pipe(pipeEnds) != 0)
-        return -1;
+        return {};
     const Clock::time_point started = Clock::now();
     const pid_t child = fork();
     if (child == 0) {
@@ -62,17 +70,24 @@ double startToFirstPaint(const fs::path& program, const fs::path& settings)
         _exit(127);
     }
     close(pipeEnds[1]);
+    const auto elapsedMs = [started] {
+        return std::chrono::duration<double, std::milli>(Clock::now() - started).count();
+    };
+    Start start;
     std::string said;
     char buffer[256];
     for (ssize_t n; (n = read(pipeEnds[0], buffer, sizeof buffer)) > 0;) {
         said.append(buffer, static_cast<std::size_t>(n));
-        if (said.find("first paint") != std::string::npos)
+        if (start.firstPaintMs < 0 && said.find("first paint") != std::string::npos)
+            start.firstPaintMs = elapsedMs();
+        if (said.find("ready") != std::string::npos) {
+            start.readyMs = elapsedMs();
             break;
+        }
     }
-    const double ms = std::chrono::duration<double, std::milli>(Clock::now() - started).count();
     close(pipeEnds[0]);
     waitpid(child, nullptr, 0);
-    return said.find("first paint") != std::string::npos ? ms : -1;
+    return start;
 }
 
 double median(std::vector<double> values)
@@ -95,17 +110,22 @@ void BM_StartToFirstPaint(benchmark::State& state)
         startToFirstPaint(bare, settings);
         startToFirstPaint(program, settings);
         std::vector<double> programMs;
+        std::vector<double> readyMs;
         std::vector<double> bareMs;
         for (int i = 0; i < kRuns; ++i) {
-            bareMs.push_back(startToFirstPaint(bare, settings));
-            programMs.push_back(startToFirstPaint(program, settings));
+            bareMs.push_back(startToFirstPaint(bare, settings).firstPaintMs);
+            const Start started = startToFirstPaint(program, settings);
+            programMs.push_back(started.firstPaintMs);
+            readyMs.push_back(started.readyMs);
         }
         if (*std::min_element(programMs.begin(), programMs.end()) < 0 ||
+            *std::min_element(readyMs.begin(), readyMs.end()) < 0 ||
             *std::min_element(bareMs.begin(), bareMs.end()) < 0) {
-            state.SkipWithError("a window did not report its first paint");
+            state.SkipWithError("a window did not report its first paint or being ready");
             break;
         }
         state.counters["program_ms"] = median(programMs);
+        state.counters["program_ready_ms"] = median(readyMs);
         state.counters["bare_window_ms"] = median(bareMs);
         state.counters["ratio"] = median(programMs) / median(bareMs);
     }

@@ -1,10 +1,9 @@
 #include "midi/BuiltInSynth.h"
 
+#include "midi/FluidSynthLibrary.h"
 #include "midi/PeakLimiter.h"
 #include "music/SafeFileWriter.h"
 #include "music/Utf8Path.h"
-
-#include <fluidsynth.h>
 
 #include <algorithm>
 #include <array>
@@ -21,13 +20,18 @@ namespace midi {
 
 namespace {
 
-void silenceFluidSynth()
+/** FluidSynth with its log output silenced; nullptr when the library cannot be loaded. */
+const FluidSynthLibrary* fluidSynth()
 {
+    const FluidSynthLibrary* fluid = FluidSynthLibrary::get();
     static std::once_flag once;
-    std::call_once(once, [] {
-        for (const int level : {FLUID_PANIC, FLUID_ERR, FLUID_WARN, FLUID_INFO, FLUID_DBG})
-            fluid_set_log_function(level, nullptr, nullptr);
-    });
+    if (fluid != nullptr) {
+        std::call_once(once, [fluid] {
+            for (const int level : {FLUID_PANIC, FLUID_ERR, FLUID_WARN, FLUID_INFO, FLUID_DBG})
+                fluid->fluid_set_log_function(level, nullptr, nullptr);
+        });
+    }
+    return fluid;
 }
 
 void appendLittleEndian(std::string& out, std::uint32_t value, int bytes)
@@ -56,11 +60,12 @@ std::string wavHeader(std::uint32_t dataBytes)
 }
 
 /** Renders `frames` frames of the synth, reverb and chorus mixed in, through the limiter. */
-int renderLimited(fluid_synth_t* synth, PeakLimiter& limiter, float* left, float* right, int frames)
+int renderLimited(const FluidSynthLibrary& fluid, fluid_synth_t* synth, PeakLimiter& limiter,
+                  float* left, float* right, int frames)
 {
     float* dry[2] = {left, right};
     float* effects[4] = {left, right, left, right};
-    const int result = fluid_synth_process(synth, frames, 4, effects, 2, dry);
+    const int result = fluid.fluid_synth_process(synth, frames, 4, effects, 2, dry);
     limiter.process(left, right, frames);
     return result;
 }
@@ -77,8 +82,9 @@ std::int16_t toSample(float value)
 class WavRenderer
 {
 public:
-    WavRenderer(fluid_synth_t* synth, const std::filesystem::path& path)
-        : m_synth(synth), m_writer(path), m_limiter(BuiltInSynth::kSampleRate)
+    WavRenderer(const FluidSynthLibrary& fluid, fluid_synth_t* synth,
+                const std::filesystem::path& path)
+        : m_fluid(fluid), m_synth(synth), m_writer(path), m_limiter(BuiltInSynth::kSampleRate)
     {}
     ~WavRenderer() { stop(); }
     WavRenderer(const WavRenderer&) = delete;
@@ -117,7 +123,7 @@ private:
         while (m_running) {
             left.fill(0.0f);
             right.fill(0.0f);
-            renderLimited(m_synth, m_limiter, left.data(), right.data(), kBlockFrames);
+            renderLimited(m_fluid, m_synth, m_limiter, left.data(), right.data(), kBlockFrames);
             for (std::size_t i = 0; i < left.size(); ++i) {
                 samples[2 * i] = toSample(left[i]);
                 samples[2 * i + 1] = toSample(right[i]);
@@ -130,6 +136,7 @@ private:
         }
     }
 
+    const FluidSynthLibrary& m_fluid;
     fluid_synth_t* m_synth;
     music::SafeFileWriter m_writer;
     PeakLimiter m_limiter;
@@ -142,6 +149,11 @@ private:
 
 struct BuiltInSynth::Impl
 {
+    explicit Impl(const FluidSynthLibrary& library) : fluid(library) {}
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    const FluidSynthLibrary& fluid;
     fluid_settings_t* settings = nullptr;
     fluid_synth_t* synth = nullptr;
     fluid_audio_driver_t* driver = nullptr;
@@ -154,25 +166,26 @@ struct BuiltInSynth::Impl
     {
         auto* impl = static_cast<Impl*>(data);
         if (outCount < 2)
-            return fluid_synth_process(impl->synth, frames, effectCount, effects, outCount, out);
+            return impl->fluid.fluid_synth_process(impl->synth, frames, effectCount, effects,
+                                                   outCount, out);
         if (effectCount != 0) { // separate effect buffers (JACK only): the dry pair is limited
-            const int result =
-                fluid_synth_process(impl->synth, frames, effectCount, effects, outCount, out);
+            const int result = impl->fluid.fluid_synth_process(impl->synth, frames, effectCount,
+                                                               effects, outCount, out);
             impl->limiter.process(out[0], out[1], frames);
             return result;
         }
-        return renderLimited(impl->synth, impl->limiter, out[0], out[1], frames);
+        return renderLimited(impl->fluid, impl->synth, impl->limiter, out[0], out[1], frames);
     }
 
     ~Impl()
     {
         renderer.reset();
         if (driver != nullptr)
-            delete_fluid_audio_driver(driver);
+            fluid.delete_fluid_audio_driver(driver);
         if (synth != nullptr)
-            delete_fluid_synth(synth);
+            fluid.delete_fluid_synth(synth);
         if (settings != nullptr)
-            delete_fluid_settings(settings);
+            fluid.delete_fluid_settings(settings);
     }
 };
 
@@ -204,46 +217,50 @@ std::filesystem::path BuiltInSynth::findSoundFont(const std::filesystem::path& d
         if (fs::is_regular_file(candidate, error))
             return candidate;
     }
-    silenceFluidSynth();
-    fluid_settings_t* settings = new_fluid_settings();
+    const FluidSynthLibrary* fluid = fluidSynth();
+    if (fluid == nullptr)
+        return {};
+    fluid_settings_t* settings = fluid->new_fluid_settings();
     fs::path fallback;
     if (settings != nullptr) {
         char* defaultFont = nullptr;
-        if (fluid_settings_getstr_default(settings, "synth.default-soundfont", &defaultFont) ==
-                FLUID_OK &&
+        if (fluid->fluid_settings_getstr_default(settings, "synth.default-soundfont",
+                                                 &defaultFont) == FLUID_OK &&
             defaultFont != nullptr && fs::is_regular_file(defaultFont, error)) {
             fallback = defaultFont;
         }
-        delete_fluid_settings(settings);
+        fluid->delete_fluid_settings(settings);
     }
     return fallback;
 }
 
 std::unique_ptr<BuiltInSynth> BuiltInSynth::open(const std::filesystem::path& dataFolder)
 {
-    silenceFluidSynth();
+    const FluidSynthLibrary* fluid = fluidSynth();
+    if (fluid == nullptr)
+        return nullptr;
     const std::filesystem::path soundFont = findSoundFont(dataFolder);
     if (soundFont.empty())
         return nullptr;
 
-    auto impl = std::make_unique<Impl>();
-    impl->settings = new_fluid_settings();
+    auto impl = std::make_unique<Impl>(*fluid);
+    impl->settings = fluid->new_fluid_settings();
     if (impl->settings == nullptr)
         return nullptr;
-    fluid_settings_setnum(impl->settings, "synth.sample-rate", kSampleRate);
-    fluid_settings_setint(impl->settings, "synth.threadsafe-api", 1);
-    fluid_settings_setnum(impl->settings, "synth.gain", kGain);
-    impl->synth = new_fluid_synth(impl->settings);
+    fluid->fluid_settings_setnum(impl->settings, "synth.sample-rate", kSampleRate);
+    fluid->fluid_settings_setint(impl->settings, "synth.threadsafe-api", 1);
+    fluid->fluid_settings_setnum(impl->settings, "synth.gain", kGain);
+    impl->synth = fluid->new_fluid_synth(impl->settings);
     if (impl->synth == nullptr ||
         // FluidSynth takes file names as UTF-8 (on Windows since version 2.2).
-        fluid_synth_sfload(impl->synth, music::utf8FromPath(soundFont).c_str(), 1) ==
+        fluid->fluid_synth_sfload(impl->synth, music::utf8FromPath(soundFont).c_str(), 1) ==
             FLUID_FAILED) {
         return nullptr;
     }
 
     const char* wavPath = std::getenv(kWavVariable);
     if (wavPath != nullptr && *wavPath != '\0') {
-        impl->renderer = std::make_unique<WavRenderer>(impl->synth, wavPath);
+        impl->renderer = std::make_unique<WavRenderer>(*fluid, impl->synth, wavPath);
         if (!impl->renderer->start())
             return nullptr;
     } else {
@@ -251,9 +268,11 @@ std::unique_ptr<BuiltInSynth> BuiltInSynth::open(const std::filesystem::path& da
         // JACK driver may start a server of its own, and JACK users reach their synths as ports.
         for (const char* driverName :
              {"pipewire", "pulseaudio", "alsa", "coreaudio", "wasapi", "dsound", "sdl2"}) {
-            if (fluid_settings_setstr(impl->settings, "audio.driver", driverName) != FLUID_OK)
+            if (fluid->fluid_settings_setstr(impl->settings, "audio.driver", driverName) !=
+                FLUID_OK)
                 continue;
-            impl->driver = new_fluid_audio_driver2(impl->settings, &Impl::render, impl.get());
+            impl->driver =
+                fluid->new_fluid_audio_driver2(impl->settings, &Impl::render, impl.get());
             if (impl->driver != nullptr)
                 break;
         }
@@ -267,6 +286,7 @@ void BuiltInSynth::sendMessage(const std::vector<std::uint8_t>& bytes)
 {
     if (bytes.empty())
         return;
+    const FluidSynthLibrary& fluid = m_impl->fluid;
     fluid_synth_t* synth = m_impl->synth;
     const std::uint8_t status = bytes[0];
     const int channel = status & 0x0F;
@@ -275,34 +295,35 @@ void BuiltInSynth::sendMessage(const std::vector<std::uint8_t>& bytes)
     // Failures such as a note-off for a note that no longer sounds are not errors here.
     switch (status & 0xF0) {
     case 0x80:
-        fluid_synth_noteoff(synth, channel, data1);
+        fluid.fluid_synth_noteoff(synth, channel, data1);
         break;
     case 0x90:
         if (data2 == 0)
-            fluid_synth_noteoff(synth, channel, data1);
+            fluid.fluid_synth_noteoff(synth, channel, data1);
         else
-            fluid_synth_noteon(synth, channel, data1, data2);
+            fluid.fluid_synth_noteon(synth, channel, data1, data2);
         break;
     case 0xA0:
-        fluid_synth_key_pressure(synth, channel, data1, data2);
+        fluid.fluid_synth_key_pressure(synth, channel, data1, data2);
         break;
     case 0xB0:
-        fluid_synth_cc(synth, channel, data1, data2);
+        fluid.fluid_synth_cc(synth, channel, data1, data2);
         break;
     case 0xC0:
-        fluid_synth_program_change(synth, channel, data1);
+        fluid.fluid_synth_program_change(synth, channel, data1);
         break;
     case 0xD0:
-        fluid_synth_channel_pressure(synth, channel, data1);
+        fluid.fluid_synth_channel_pressure(synth, channel, data1);
         break;
     case 0xE0:
-        fluid_synth_pitch_bend(synth, channel, data1 | data2 << 7);
+        fluid.fluid_synth_pitch_bend(synth, channel, data1 | data2 << 7);
         break;
     default:
         if (status == 0xF0 && bytes.size() >= 2) {
             const std::size_t end = bytes.back() == 0xF7 ? bytes.size() - 1 : bytes.size();
             const auto* body = reinterpret_cast<const char*>(bytes.data() + 1);
-            fluid_synth_sysex(synth, body, static_cast<int>(end - 1), nullptr, nullptr, nullptr, 0);
+            fluid.fluid_synth_sysex(synth, body, static_cast<int>(end - 1), nullptr, nullptr,
+                                    nullptr, 0);
         }
         break;
     }
