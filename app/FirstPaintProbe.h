@@ -13,8 +13,9 @@ namespace app {
  * loop's next turn after the window's first paint (and the flush that follows it in the same
  * pass), so the step does not hold the frame back.
  *
- * For the start-up benchmark: with TM_EXIT_AFTER_FIRST_PAINT set, "first paint" is printed on
- * stdout before the step, "ready" after it, and then the process exits at once, without the
+ * For the start-up benchmark: with TM_EXIT_AFTER_FIRST_PAINT set, "mapped" is printed on stdout
+ * when the window is first exposed on the screen (before anything is painted in it), "first
+ * paint" before the step, "ready" after it, and then the process exits at once, without the
  * usual shutdown (nothing is written).
  */
 class FirstPaintProbe : public QObject
@@ -29,11 +30,11 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    FirstPaintProbe(QObject* parent, std::function<void()> then)
-        : QObject(parent), m_then(std::move(then))
-    {}
+    FirstPaintProbe(QWidget& window, std::function<void()> then);
+    QWidget& m_window;
     std::function<void()> m_then;
     bool m_seen = false;
+    bool m_mapped = false;
 };
 
 } // namespace app
