@@ -7,6 +7,7 @@
 #include "app/PatternGridModel.h"
 #include "app/PatternGridView.h"
 #include "app/PatternTrackHeader.h"
+#include "app/UniformHeader.h"
 
 #include <QCheckBox>
 #include <QFontDatabase>
@@ -65,6 +66,7 @@ PatternGridPanel::PatternGridPanel(PartSession& session, const ActionFactory::Ac
            "fixed notes."));
     m_header = new PatternTrackHeader(m_grid);
     m_grid->setHorizontalHeader(m_header);
+    m_grid->setVerticalHeader(new UniformHeader(Qt::Vertical, m_grid)); // the row numbers
     // Font and row height before the model: its 64 rows are laid out once, not three times.
     m_grid->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_grid->verticalHeader()->setDefaultSectionSize(m_grid->fontMetrics().height() + 4);

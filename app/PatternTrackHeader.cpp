@@ -17,12 +17,10 @@ constexpr int kMargin = 4;
 
 } // namespace
 
-PatternTrackHeader::PatternTrackHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent)
+PatternTrackHeader::PatternTrackHeader(QWidget* parent) : UniformHeader(Qt::Horizontal, parent)
 {
     setObjectName(QStringLiteral("patternTrackHeader"));
     setAccessibleName(tr("Tracks"));
-    setSectionsClickable(true);
-    setHighlightSections(true);
     setSectionResizeMode(QHeaderView::Stretch);
     setContextMenuPolicy(Qt::CustomContextMenu);
 }
@@ -93,7 +91,7 @@ void PatternTrackHeader::paintSection(QPainter* painter, const QRect& rect, int 
 
 QSize PatternTrackHeader::sectionSizeFromContents(int logicalIndex) const
 {
-    QSize size = QHeaderView::sectionSizeFromContents(logicalIndex);
+    QSize size = UniformHeader::sectionSizeFromContents(logicalIndex);
     size.setHeight(std::max(size.height(), 2 * fontMetrics().height() + 2 * kMargin));
     size.setWidth(
         std::max(size.width(), fontMetrics().horizontalAdvance(QStringLiteral("Track 8")) +
@@ -112,7 +110,7 @@ void PatternTrackHeader::mousePressEvent(QMouseEvent* event)
         event->accept();
         return;
     }
-    QHeaderView::mousePressEvent(event);
+    UniformHeader::mousePressEvent(event);
 }
 
 } // namespace app

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QHeaderView>
+#include "app/UniformHeader.h"
 
 namespace app {
 
@@ -10,7 +10,7 @@ namespace app {
  * click elsewhere selects the track as usual. The model gives the header's facts
  * (PatternGridModel::TrackOnRole and TrackOctaveRole).
  */
-class PatternTrackHeader : public QHeaderView
+class PatternTrackHeader : public UniformHeader
 {
     Q_OBJECT
 public:
