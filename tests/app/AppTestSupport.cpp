@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QIcon>
+#include <QImage>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTest>
@@ -64,6 +66,29 @@ QString songCorpus()
     }
     const QString builtIn = QStringLiteral(TM_SONG_CORPUS_DEFAULT);
     return QDir(builtIn).exists() ? builtIn : QString();
+}
+
+ProbeIconTheme::ProbeIconTheme()
+    : m_oldPaths(QIcon::themeSearchPaths()), m_oldTheme(QIcon::themeName())
+{
+    QDir root(m_folder.path());
+    EXPECT_TRUE(root.mkpath(QStringLiteral("probe/24x24/actions")));
+    QFile index(root.filePath(QStringLiteral("probe/index.theme")));
+    EXPECT_TRUE(index.open(QIODevice::WriteOnly));
+    index.write("[Icon Theme]\nName=probe\nDirectories=24x24/actions\n\n"
+                "[24x24/actions]\nSize=24\nType=Fixed\n");
+    index.close();
+    QImage red(24, 24, QImage::Format_ARGB32);
+    red.fill(Qt::red);
+    EXPECT_TRUE(red.save(root.filePath(QStringLiteral("probe/24x24/actions/document-open.png"))));
+    QIcon::setThemeSearchPaths({m_folder.path()});
+    QIcon::setThemeName(QStringLiteral("probe"));
+}
+
+ProbeIconTheme::~ProbeIconTheme()
+{
+    QIcon::setThemeName(m_oldTheme);
+    QIcon::setThemeSearchPaths(m_oldPaths);
 }
 
 } // namespace apptest

@@ -153,4 +153,22 @@ template <typename Dialog> void answerDialog(std::function<void(Dialog&)> fill)
 /** The shared song corpus, or an empty text (the caller skips). */
 QString songCorpus();
 
+/**
+ * A desktop icon theme "probe" that has only "document-open" (a red square), made the current
+ * theme while this lives; the theme and its search paths before are restored after.
+ */
+class ProbeIconTheme
+{
+public:
+    ProbeIconTheme();
+    ~ProbeIconTheme();
+    ProbeIconTheme(const ProbeIconTheme&) = delete;
+    ProbeIconTheme& operator=(const ProbeIconTheme&) = delete;
+
+private:
+    QTemporaryDir m_folder;
+    QStringList m_oldPaths;
+    QString m_oldTheme;
+};
+
 } // namespace apptest

@@ -234,28 +234,15 @@ TEST(ToolbarIcons, EveryToolbarButtonHasItsOwnIconThatReadsOnLightAndDarkPalette
 
 TEST(ToolbarIcons, TheDesktopThemeWinsWhereItHasTheCommandsFreedesktopName)
 {
-    QTemporaryDir themes;
-    QDir root(themes.path());
-    ASSERT_TRUE(root.mkpath(QStringLiteral("probe/24x24/actions")));
-    QFile index(root.filePath(QStringLiteral("probe/index.theme")));
-    ASSERT_TRUE(index.open(QIODevice::WriteOnly));
-    index.write("[Icon Theme]\nName=probe\nDirectories=24x24/actions\n\n"
-                "[24x24/actions]\nSize=24\nType=Fixed\n");
-    index.close();
-    QImage red(24, 24, QImage::Format_ARGB32);
-    red.fill(Qt::red);
-    ASSERT_TRUE(red.save(root.filePath(QStringLiteral("probe/24x24/actions/document-open.png"))));
-
-    const QStringList oldPaths = QIcon::themeSearchPaths();
-    const QString oldTheme = QIcon::themeName();
-    QIcon::setThemeSearchPaths({themes.path()});
-    QIcon::setThemeName(QStringLiteral("probe"));
-    const QImage songOpen = app::AppIcons::forCommand("file.open").pixmap(24).toImage();
-    const QImage partOpen = app::AppIcons::forCommand("part.load").pixmap(24).toImage();
-    const QImage songSave = app::AppIcons::forCommand("file.save").pixmap(24).toImage();
-    QIcon::setThemeName(oldTheme);
-    QIcon::setThemeSearchPaths(oldPaths);
-
+    QImage songOpen;
+    QImage partOpen;
+    QImage songSave;
+    {
+        const apptest::ProbeIconTheme theme; // it has "document-open" only
+        songOpen = app::AppIcons::forCommand("file.open").pixmap(24).toImage();
+        partOpen = app::AppIcons::forCommand("part.load").pixmap(24).toImage();
+        songSave = app::AppIcons::forCommand("file.save").pixmap(24).toImage();
+    }
     EXPECT_EQ(songOpen.pixelColor(12, 12), QColor(Qt::red));
     // Parts have no freedesktop name: opening a part keeps its own icon, unlike opening a song.
     EXPECT_EQ(partOpen, app::AppIcons::own("part-open").pixmap(24).toImage());

@@ -39,35 +39,17 @@ TEST(StartupStages, TheStepAfterTheFirstFrameRunsOnceAndOnlyAfterThePaint)
 
 TEST(StartupStages, CommandsShowTheirOwnIconsUntilTheThemeIsApplied)
 {
-    // A theme that has "document-open" only.
-    QTemporaryDir themes;
-    QDir root(themes.path());
-    ASSERT_TRUE(root.mkpath(QStringLiteral("probe/24x24/actions")));
-    QFile index(root.filePath(QStringLiteral("probe/index.theme")));
-    ASSERT_TRUE(index.open(QIODevice::WriteOnly));
-    index.write("[Icon Theme]\nName=probe\nDirectories=24x24/actions\n\n"
-                "[24x24/actions]\nSize=24\nType=Fixed\n");
-    index.close();
-    QImage red(24, 24, QImage::Format_ARGB32);
-    red.fill(Qt::red);
-    ASSERT_TRUE(red.save(root.filePath(QStringLiteral("probe/24x24/actions/document-open.png"))));
-    const QStringList oldPaths = QIcon::themeSearchPaths();
-    const QString oldTheme = QIcon::themeName();
-    QIcon::setThemeSearchPaths({themes.path()});
-    QIcon::setThemeName(QStringLiteral("probe"));
-
+    const QImage ownOpen = app::AppIcons::own("song-open").pixmap(24).toImage();
+    const QImage ownSave = app::AppIcons::own("song-save").pixmap(24).toImage();
+    const apptest::ProbeIconTheme theme; // it has "document-open" only
     app::CMainFrame frame;
     const auto shown = [&frame](const char* id) {
         return frame.action(id)->icon().pixmap(24).toImage();
     };
-    const QImage ownOpen = app::AppIcons::own("song-open").pixmap(24).toImage();
-    const QImage ownSave = app::AppIcons::own("song-save").pixmap(24).toImage();
     EXPECT_EQ(shown("file.open"), ownOpen);
     frame.applyThemeIcons();
     const QImage themedOpen = shown("file.open");
     const QImage themedSave = shown("file.save");
-    QIcon::setThemeName(oldTheme);
-    QIcon::setThemeSearchPaths(oldPaths);
 
     EXPECT_EQ(themedOpen.pixelColor(12, 12), QColor(Qt::red));
     EXPECT_EQ(themedSave, ownSave); // the theme lacks it
