@@ -90,7 +90,9 @@ void CTonalmancerApp::completeStart()
     // The desktop's icon theme is searched file by file where it has no valid cache (some
     // thousand look-ups for the commands' icons), and the window system gets the application
     // icon in every size: neither shows in the window's first frame, which has the program's
-    // own drawings on its buttons.
+    // own drawings on its buttons. Nor does the hidden machine list.
+    if (CTonalmancerView* shown = view())
+        shown->completeStart();
     m_frame->applyThemeIcons();
     QApplication::setWindowIcon(AppIcons::application());
 }

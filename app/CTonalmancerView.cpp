@@ -107,7 +107,7 @@ CTonalmancerView::CTonalmancerView(CMainFrame& frame, CTonalmancerDoc& document,
     regions.patternList = createPatternListPanel();
     regions.patternGrid = createPatternGridPanel();
     regions.partSettings = createPartSettingsPanel();
-    regions.machines = createMachinePanel();
+    regions.machines = createMachineRegion();
     layOut(regions);
     for (QWidget* partRegion : {regions.partList, regions.patternList, regions.patternGrid,
                                 regions.partSettings, regions.partPresets, regions.patternPresets})
@@ -230,11 +230,24 @@ QWidget* CTonalmancerView::createPartSettingsPanel()
     return m_partSettings;
 }
 
-QWidget* CTonalmancerView::createMachinePanel()
+QWidget* CTonalmancerView::createMachineRegion()
 {
+    auto* region = named(new QWidget(this), "machineRegion", tr("Machines of the song"));
+    auto* layout = new QVBoxLayout(region);
+    layout->setContentsMargins(0, 0, 0, 0);
+    return region;
+}
+
+MachinePanel* CTonalmancerView::machinePanel()
+{
+    if (m_machinePanel != nullptr)
+        return m_machinePanel;
+    // It lists the song as it is now and takes the Machines commands from here on.
     m_machinePanel = new MachinePanel(
         m_document, m_midiSettings, [this](std::string_view id) { return m_frame.action(id); },
-        this);
+        m_regions.machines);
+    m_regions.machines->layout()->addWidget(m_machinePanel);
+    m_regions.machines->setFocusProxy(m_machinePanel);
     registerContextMenu("machineView", m_machinePanel->contextMenu());
     connect(m_machinePanel, &MachinePanel::statusMessage, this, [this](const QString& text) {
         if (QStatusBar* status = m_frame.statusBar())
@@ -243,9 +256,17 @@ QWidget* CTonalmancerView::createMachinePanel()
     return m_machinePanel;
 }
 
+void CTonalmancerView::completeStart()
+{
+    // The machine list is hidden behind the part settings until View > Machines: building it
+    // (and measuring its columns) would only delay the first frame.
+    machinePanel();
+}
+
 QString CTonalmancerView::selectedMachineName() const
 {
-    return m_machinePanel->selectedMachineName();
+    // Before the panel is built nothing in it can have been selected.
+    return m_machinePanel != nullptr ? m_machinePanel->selectedMachineName() : QString();
 }
 
 QWidget* CTonalmancerView::createPartPresetPanel()
@@ -404,7 +425,8 @@ void CTonalmancerView::initialUpdate()
     if (files.patternPresets)
         m_patternPresetSource->adopt(std::move(*files.patternPresets));
     m_patternPresetPanel->showReplacedList();
-    m_machinePanel->applySettings();
+    if (m_machinePanel != nullptr) // else it reads the settings when it is built
+        m_machinePanel->applySettings();
     m_partFiles->loadAtStart();
 }
 
@@ -447,6 +469,8 @@ void CTonalmancerView::shutdown()
 
 void CTonalmancerView::showMachineView(bool machines)
 {
+    if (machines)
+        machinePanel();
     m_sideStack->setCurrentWidget(machines ? m_regions.machines : m_regions.partSettings);
 }
 

@@ -116,8 +116,13 @@ public:
     PatternListPanel* patternList() const { return m_patternList; }
     PartSettingsPanel* partSettings() const { return m_partSettings; }
 
-    /** The song's machines ("Show Bmx"). */
-    MachinePanel* machinePanel() const { return m_machinePanel; }
+    /**
+     * The song's machines ("Show Bmx"). Hidden at start, the panel is built right after the
+     * window's first frame (completeStart()), or here when asked for before that.
+     */
+    MachinePanel* machinePanel();
+    /** Builds what the window's first frame does not show; called once the frame is painted. */
+    void completeStart();
     /**
      * The machine "Create Buzz Patterns" writes into: the first selected machine of the machine
      * view from the top; empty when none is selected.
@@ -155,7 +160,8 @@ private:
     QWidget* createPatternListPanel();
     QWidget* createPatternGridPanel();
     QWidget* createPartSettingsPanel();
-    QWidget* createMachinePanel();
+    /** The machines' region: empty until machinePanel() builds the panel into it. */
+    QWidget* createMachineRegion();
     QWidget* createPartPresetPanel();
     QWidget* createPatternPresetPanel();
     /** The keyboard dock and the MIDI input; after the part list, before the transport. */

@@ -71,9 +71,7 @@ MachinePanel::MachinePanel(CTonalmancerDoc& document, midi::MidiSettings& settin
             &MachinePanel::currentMachineChanged);
     connect(&m_document, &CTonalmancerDoc::songChanged, this, [this] {
         m_model->reload();
-        if (m_model->rowCount() > 0 && !m_view->currentIndex().isValid())
-            m_view->selectionModel()->setCurrentIndex(m_model->index(0, 0),
-                                                      QItemSelectionModel::NoUpdate);
+        makeFirstRowCurrent();
     });
     connect(&m_document, &CTonalmancerDoc::songEdited, this, [this] {
         m_model->sync();
@@ -82,6 +80,14 @@ MachinePanel::MachinePanel(CTonalmancerDoc& document, midi::MidiSettings& settin
 
     bindMenu(actions);
     bindKeys();
+    makeFirstRowCurrent(); // the song open now, as after opening one
+}
+
+void MachinePanel::makeFirstRowCurrent()
+{
+    if (m_model->rowCount() > 0 && !m_view->currentIndex().isValid())
+        m_view->selectionModel()->setCurrentIndex(m_model->index(0, 0),
+                                                  QItemSelectionModel::NoUpdate);
 }
 
 MachinePanel::~MachinePanel() = default;

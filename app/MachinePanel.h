@@ -78,6 +78,8 @@ Q_SIGNALS:
 private:
     void bindMenu(const ActionFactory::ActionLookup& actions);
     void bindKeys();
+    /** Without a current machine the first one becomes current (not selected). */
+    void makeFirstRowCurrent();
     std::vector<std::string> selectedNames() const;
 
     CTonalmancerDoc& m_document;

@@ -1,18 +1,25 @@
 // The start-up in two steps: the window's first frame, then what it does not show (the desktop
-// theme's icons, the window icon) right after it; the default files read beside the building of
-// the window.
+// theme's icons, the window icon, the hidden machine list) right after it; the default files read
+// beside the building of the window.
 #include "AppTestSupport.h"
 
 #include "app/AppIcons.h"
 #include "app/CMainFrame.h"
+#include "app/CTonalmancerApp.h"
+#include "app/CTonalmancerView.h"
 #include "app/DefaultFilesReader.h"
 #include "app/FirstPaintProbe.h"
+#include "app/MachineListModel.h"
+#include "app/MachinePanel.h"
+#include "app/MachineTreeView.h"
 
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QStackedWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTreeView>
 #include <QWidget>
 
 namespace {
@@ -35,6 +42,37 @@ TEST(StartupStages, TheStepAfterTheFirstFrameRunsOnceAndOnlyAfterThePaint)
     window.repaint();
     QTest::qWait(20);
     EXPECT_EQ(runs, 1);
+}
+
+using StartedOnScreen = apptest::AppFixture;
+
+TEST_F(StartedOnScreen, TheHiddenMachineListIsBuiltAfterTheFirstFrameOrWhenAskedForBefore)
+{
+    // The default song, opened at start, holds two machines.
+    for (const bool askedEarly : {false, true}) {
+        SCOPED_TRACE(askedEarly ? "View > Machines before the first frame" : "left alone");
+        m_app.reset();
+        m_app = std::make_unique<app::CTonalmancerApp>(m_ports);
+        ASSERT_TRUE(m_app->start({QStringLiteral("--data"), m_data.path()})); // shown
+        QWidget* region = view().regions().machines;
+        const auto built = [region] { return region->findChild<app::MachinePanel*>() != nullptr; };
+        if (askedEarly) {
+            frame().action("view.showBmx")->trigger();
+            EXPECT_TRUE(built());
+        } else {
+            EXPECT_FALSE(built()) << "built before the first frame";
+        }
+        ASSERT_TRUE(QTest::qWaitFor(built, 5000));
+        QTest::qWait(20); // the rest of the start
+        app::MachinePanel& panel = *region->findChild<app::MachinePanel*>();
+        EXPECT_EQ(view().machinePanel(), &panel); // one panel only
+        EXPECT_EQ(panel.model()->rowCount(), 2);
+        EXPECT_EQ(panel.view()->currentIndex().row(), 0);
+        EXPECT_TRUE(panel.selectedMachines().empty());
+        frame().action("view.showBmx")->trigger();
+        EXPECT_EQ(view().sideStack()->currentWidget(), region);
+        EXPECT_TRUE(panel.isVisible());
+    }
 }
 
 TEST(StartupStages, CommandsShowTheirOwnIconsUntilTheThemeIsApplied)
