@@ -12,13 +12,17 @@ namespace app {
 bool PartMidiDrag::addTo(QMimeData& data, const part::Part& part,
                          const midi::MidiExportOptions& options, const QString& partFilePath)
 {
-    if (!m_folder.isValid() || part.count() == 0)
+    if (part.count() == 0)
+        return false;
+    if (!m_folder) // made by the first drag: most runs never drag a part out
+        m_folder = std::make_unique<QTemporaryDir>();
+    if (!m_folder->isValid())
         return false;
     QString name = QFileInfo(partFilePath).completeBaseName();
     if (name.isEmpty())
         name = QStringLiteral("part");
     // A drag while the last file is still being copied must not overwrite it: one folder a drag.
-    const QString folder = m_folder.filePath(QString::number(m_drags++));
+    const QString folder = m_folder->filePath(QString::number(m_drags++));
     if (!QDir().mkpath(folder))
         return false;
     const QString path = QDir(folder).filePath(name + QStringLiteral(".mid"));

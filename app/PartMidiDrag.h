@@ -6,15 +6,17 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <memory>
+
 class QMimeData;
 
 namespace app {
 
 /**
  * The part dragged out of the window as a standard MIDI file: the file is written into a
- * temporary folder that lives as long as this object (the program's run), and offered as a file
- * URL, so that a file manager copies it and a DAW imports it. The part list calls `addTo` when a
- * drag of its chords starts.
+ * temporary folder (made by the first drag) that lives as long as this object (the program's
+ * run), and offered as a file URL, so that a file manager copies it and a DAW imports it. The
+ * part list calls `addTo` when a drag of its chords starts.
  */
 class PartMidiDrag
 {
@@ -32,7 +34,7 @@ public:
     const QString& lastFile() const { return m_lastFile; }
 
 private:
-    QTemporaryDir m_folder;
+    std::unique_ptr<QTemporaryDir> m_folder;
     int m_drags = 0;
     QString m_lastFile;
 };

@@ -12,7 +12,13 @@ PlayingIndicator::PlayingIndicator(QWidget* parent) : QToolBar(tr("Playing"), pa
     setAccessibleName(tr("Playing"));
     setAllowedAreas(Qt::TopToolBarArea | Qt::BottomToolBarArea);
     setFloatable(false);
+    QToolBar::setVisible(false);
+}
 
+PlayingIndicator& PlayingIndicator::fields()
+{
+    if (m_loop != nullptr)
+        return *this;
     auto* title = new QLabel(tr("  Playing  "), this);
     title->setObjectName(QStringLiteral("playingTitle"));
     QFont bold = title->font();
@@ -29,10 +35,14 @@ PlayingIndicator::PlayingIndicator(QWidget* parent) : QToolBar(tr("Playing"), pa
     m_loop->setAccessibleName(tr("Loop"));
     m_loop->setToolTip(tr("Start again at the first chord of the selected range (or of the "
                           "part), or play the chord again, instead of stopping."));
+    m_loop->setChecked(m_looping);
     addSeparator();
     addWidget(m_loop);
-    connect(m_loop, &QCheckBox::toggled, this, &PlayingIndicator::loopingChanged);
-    QToolBar::setVisible(false);
+    connect(m_loop, &QCheckBox::toggled, this, [this](bool looping) {
+        m_looping = looping;
+        Q_EMIT loopingChanged(looping);
+    });
+    return *this;
 }
 
 QSpinBox* PlayingIndicator::addField(const QString& label, const char* objectName, const char* tip,
@@ -58,12 +68,14 @@ QSpinBox* PlayingIndicator::addField(const QString& label, const char* objectNam
 void PlayingIndicator::setPlaying(bool playing, const midi::MidiSettings& settings)
 {
     m_playing = playing;
-    showSettings(settings);
+    if (playing || m_loop != nullptr)
+        showSettings(settings);
     setVisible(playing);
 }
 
 void PlayingIndicator::showSettings(const midi::MidiSettings& settings)
 {
+    fields();
     m_showing = true;
     m_channel->setValue((settings.channel() & 0x0F) + 1);
     m_port->setValue(settings.port());
@@ -74,6 +86,8 @@ void PlayingIndicator::showSettings(const midi::MidiSettings& settings)
 
 midi::MidiSettings PlayingIndicator::applyTo(midi::MidiSettings settings) const
 {
+    if (m_loop == nullptr) // never shown: nothing edited
+        return settings;
     settings.setChannel(static_cast<std::uint16_t>(m_channel->value() - 1));
     settings.setPort(static_cast<std::uint16_t>(m_port->value()));
     // A setting above 127 (a MIDI file's 128) is kept until the bar is edited.
@@ -85,12 +99,17 @@ midi::MidiSettings PlayingIndicator::applyTo(midi::MidiSettings settings) const
 
 bool PlayingIndicator::isLooping() const
 {
-    return m_loop->isChecked();
+    return m_looping;
 }
 
 void PlayingIndicator::setLooping(bool looping)
 {
-    m_loop->setChecked(looping);
+    if (m_loop != nullptr) {
+        m_loop->setChecked(looping); // reported by the box
+    } else if (looping != m_looping) {
+        m_looping = looping;
+        Q_EMIT loopingChanged(looping);
+    }
 }
 
 void PlayingIndicator::setVisible(bool visible)

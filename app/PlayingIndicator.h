@@ -13,7 +13,8 @@ namespace app {
  * The playing indicator: a small bar at the top of the main window, shown exactly while
  * something plays, with the channel (shown 1..16), port, velocity and program of the playback
  * and the loop option. A change made here applies to the following messages (`settingsEdited`).
- * While idle it stays hidden whatever a restored window layout says.
+ * While idle it stays hidden whatever a restored window layout says. The bar itself exists from
+ * the start (the window layout places it); its fields are built when it first shows.
  */
 class PlayingIndicator : public QToolBar
 {
@@ -39,11 +40,11 @@ public:
 
     void setVisible(bool visible) override;
 
-    QSpinBox* channelBox() const { return m_channel; }
-    QSpinBox* portBox() const { return m_port; }
-    QSpinBox* velocityBox() const { return m_velocity; }
-    QSpinBox* programBox() const { return m_program; }
-    QCheckBox* loopBox() const { return m_loop; }
+    QSpinBox* channelBox() { return fields().m_channel; }
+    QSpinBox* portBox() { return fields().m_port; }
+    QSpinBox* velocityBox() { return fields().m_velocity; }
+    QSpinBox* programBox() { return fields().m_program; }
+    QCheckBox* loopBox() { return fields().m_loop; }
 
 Q_SIGNALS:
     /** The user changed channel, port, velocity or program. */
@@ -51,11 +52,14 @@ Q_SIGNALS:
     void loopingChanged(bool looping);
 
 private:
+    /** This bar with its fields built. */
+    PlayingIndicator& fields();
     QSpinBox* addField(const QString& label, const char* objectName, const char* tip, int minimum,
                        int maximum);
 
     bool m_playing = false;
     bool m_showing = false; // filling the fields is no edit
+    bool m_looping = false; // until the loop box is built
     QSpinBox* m_channel = nullptr;
     QSpinBox* m_port = nullptr;
     QSpinBox* m_velocity = nullptr;

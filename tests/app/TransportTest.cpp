@@ -294,6 +294,8 @@ TEST_F(Transport, LoopingIsAnOptionOfTheIndicatorKeptForTheNextRun)
     ASSERT_TRUE(start());
     EXPECT_TRUE(view().transport()->indicator()->isLooping());
     EXPECT_TRUE(view().transport()->player().isLooping());
+    // The bar's fields are built when first shown, from the option kept meanwhile.
+    EXPECT_TRUE(view().transport()->indicator()->loopBox()->isChecked());
     view().transport()->indicator()->loopBox()->setChecked(false); // for the other tests
 }
 
