@@ -51,7 +51,10 @@ fuzz-smoke: deps
 bench: deps
 	@cmake --preset bench >/dev/null
 	@cmake --build --preset bench
-	@for b in build/bench/bin/bench_*; do $$b --benchmark_repetitions=5 --benchmark_report_aggregates_only=true; done
+	@mkdir -p build/bench/results
+	@for b in build/bench/bin/bench_*; do $$b --benchmark_repetitions=5 \
+		--benchmark_display_aggregates_only=true --benchmark_out_format=json \
+		--benchmark_out=build/bench/results/$$(basename $$b).json; done
 
 # The programs as they are shipped: a Release build of its own (preset "package").
 release: deps
