@@ -190,8 +190,8 @@ TEST_F(JackMidiOutPortEndToEnd, EveryEventLandsOnTheFrameOfItsDueTimeInOrder)
               256 * 1'000'000'000LL / 48000 + midi::JackMidiOutPort::kScheduleMarginNs);
 
     // The port learns where the frames stand from its first cycles, as it does while a player
-    // sends its program changes; a few periods of that first.
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    // sends its program changes; some twenty periods of that first.
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
     // Due times 1.7 ms apart, so they fall anywhere inside the periods; then one already late.
     const std::int64_t start = nowNs() + port->lookaheadNs();
     const int xrunsBefore = m_receiver.xruns();
@@ -213,9 +213,10 @@ TEST_F(JackMidiOutPortEndToEnd, EveryEventLandsOnTheFrameOfItsDueTimeInOrder)
     const double offsetUs = jackNow - (before + static_cast<double>(nowNs()) / 1000.0) / 2.0;
     // Between each other the events stand as their due times: each onset is rounded to a frame,
     // and the port's clock keeps learning meanwhile (its level sinks by up to 100 ppm and rises
-    // with an earlier wake-up), so two frames apart at most. Against JACK's own time of a frame
-    // they may all be early or late by the clients' wake-up delay and JACK's period estimate,
-    // well under a millisecond.
+    // with an earlier wake-up); the clock places each within two frames, their spacing is judged
+    // to three (a scheduling fault is off by up to a period, 256 frames). Against JACK's own time
+    // of a frame they may all be early or late by the clients' wake-up delay and JACK's period
+    // estimate, well under a millisecond.
     for (int k = 0; k < kTimed; ++k) {
         const Receiver::Event& e = got[static_cast<std::size_t>(k)];
         EXPECT_EQ(e.bytes, (std::array<std::uint8_t, 3>{0x90, std::uint8_t(40 + k), 100}));
@@ -223,7 +224,7 @@ TEST_F(JackMidiOutPortEndToEnd, EveryEventLandsOnTheFrameOfItsDueTimeInOrder)
         EXPECT_NEAR(static_cast<double>(e.timeUs), dueUs, 1000.0) << "event " << k;
         const auto frames = static_cast<double>(static_cast<std::int32_t>(e.frame - got[0].frame));
         if (steady) {
-            EXPECT_NEAR(frames, k * 1.7 * rate / 1000.0, 2.0) << "event " << k;
+            EXPECT_NEAR(frames, k * 1.7 * rate / 1000.0, 3.0) << "event " << k;
         }
     }
     if (!steady)
