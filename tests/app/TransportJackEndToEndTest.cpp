@@ -105,10 +105,13 @@ private:
         p.waitForFinished(3000);
         return QString::fromLocal8Bit(p.readAllStandardOutput());
     }
-    /** Polls `ready` for five seconds while `alive` holds. */
+    /**
+     * Polls `ready` for fifteen seconds while `alive` holds: a server starting beside a package
+     * build (the tests run two at a time) has taken more than five.
+     */
     template <typename Ready, typename Alive> static bool waitFor(Ready ready, Alive alive)
     {
-        for (int i = 0; i < 100 && alive(); ++i) {
+        for (int i = 0; i < 300 && alive(); ++i) {
             if (ready())
                 return true;
             QThread::msleep(50);
